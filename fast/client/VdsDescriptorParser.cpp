@@ -1,0 +1,144 @@
+#include <fast/client/VdsDescriptorParser.h>
+
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Parser.h>
+
+#include <sstream>
+#include <unordered_map>
+
+namespace fast {
+
+namespace {
+
+bool isAbsentListing(const std::string& json)
+{
+    return json.empty() || json == "null";
+}
+
+Poco::JSON::Array::Ptr parseArray(const std::string& json)
+{
+    Poco::JSON::Parser parser;
+    return parser.parse(json).extract<Poco::JSON::Array::Ptr>();
+}
+
+// The value's text, or nothing when the object lacks the key.
+bool readText(const Poco::JSON::Object& object, const std::string& key, std::string& text)
+{
+    if (!object.has(key))
+        return false;
+    text = object.get(key).convert<std::string>();
+    return true;
+}
+
+// First record per id, as findVdsInfo would find it, without a scan per file.
+std::unordered_map<std::string, std::size_t> indexById(const std::vector<VdsInfo>& infos)
+{
+    std::unordered_map<std::string, std::size_t> index;
+    index.reserve(infos.size());
+    for (std::size_t i = 0; i < infos.size(); ++i)
+        index.emplace(infos[i].vdsId, i);
+    return index;
+}
+
+void attachFiles(std::vector<VdsInfo>& infos, const Poco::JSON::Array& fileList)
+{
+    const auto index = indexById(infos);
+    const std::size_t count = fileList.size();
+    std::string vdsId;
+    for (std::size_t i = 0; i < count; ++i) {
+        const Poco::JSON::Object::Ptr entry = fileList.getObject(static_cast<unsigned>(i));
+        if (!readText(*entry, "vdsId", vdsId))
+            continue;
+        const auto owner = index.find(vdsId);
+        if (owner == index.end())
+            continue;
+        VdsFile file;
+        std::string path;
+        if (!readText(*entry, "id", file.fileId) || !entry->has("path"))
+            continue;
+        path = entry->get("path").convert<std::string>();
+        if (!path.empty())
+            file.fileName = path.substr(1);
+        infos[owner->second].files.push_back(std::move(file));
+    }
+}
+
+} // namespace
+
+std::vector<VdsInfo> parseVdsInfos(const std::string& vdsListJson, const std::string& fileListJson)
+{
+    std::vector<VdsInfo> infos;
+    if (isAbsentListing(vdsListJson))
+        return infos;
+
+    const Poco::JSON::Array::Ptr vdsList = parseArray(vdsListJson);
+    const std::size_t count = vdsList->size();
+    infos.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Poco::JSON::Object::Ptr entry = vdsList->getObject(static_cast<unsigned>(i));
+        VdsInfo info;
+        readText(*entry, "id", info.vdsId);
+        readText(*entry, "url", info.url);
+        infos.push_back(std::move(info));
+    }
+
+    if (isAbsentListing(fileListJson))
+        return infos;
+    attachFiles(infos, *parseArray(fileListJson));
+    return infos;
+}
+
+std::vector<VdsInfo>::iterator findVdsInfo(std::vector<VdsInfo>::iterator first,
+                                           std::vector<VdsInfo>::iterator last,
+                                           const Poco::JSON::Object::Ptr& fileEntry)
+{
+    const std::string vdsId = fileEntry->get("vdsId").convert<std::string>();
+    for (; first != last; ++first) {
+        if (first->vdsId == vdsId)
+            return first;
+    }
+    return last;
+}
+
+std::string jsonValue(const std::string& key, const std::string& json)
+{
+    if (json.empty())
+        return {};
+    Poco::JSON::Parser parser;
+    const auto object = parser.parse(json).extract<Poco::JSON::Object::Ptr>();
+    if (!object->has(key))
+        return {};
+    const Poco::Dynamic::Var value = object->get(key);
+    // Nested values come back as compact JSON text, so that they can be read again.
+    if (value.type() == typeid(Poco::JSON::Object::Ptr)) {
+        std::ostringstream text;
+        value.extract<Poco::JSON::Object::Ptr>()->stringify(text);
+        return text.str();
+    }
+    if (value.type() == typeid(Poco::JSON::Array::Ptr)) {
+        std::ostringstream text;
+        value.extract<Poco::JSON::Array::Ptr>()->stringify(text);
+        return text.str();
+    }
+    return value.convert<std::string>();
+}
+
+SubvolumeRange parseSubvolumeRange(const std::string& pluginJson)
+{
+    const std::string subvolume =
+        jsonValue("properties", jsonValue("subvolume", jsonValue("properties", pluginJson)));
+    const auto bound = [&subvolume](const char* dimension, const char* which) {
+        const std::string limits = jsonValue("properties", jsonValue(dimension, subvolume));
+        return jsonValue("default", jsonValue(which, limits));
+    };
+    SubvolumeRange range;
+    range.dim0Min = bound("dim0", "min");
+    range.dim0Max = bound("dim0", "max");
+    range.dim1Min = bound("dim1", "min");
+    range.dim1Max = bound("dim1", "max");
+    range.dim2Min = bound("dim2", "min");
+    range.dim2Max = bound("dim2", "max");
+    return range;
+}
+
+} // namespace fast

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <fast/fastpanel_export.h>
+#include <fast/client/VdsDescriptors.h>
+
+#include <Poco/JSON/Object.h>
+
+#include <string>
+#include <vector>
+
+// Reading FAST's JSON: the two listings and the plug-in description.
+//
+// Text that is not JSON throws Poco::JSON::JSONException (a syntax error). A listing whose root
+// is not an array, or a jsonValue input whose root is not an object, throws
+// Poco::BadCastException; a root that is JSON null throws Poco::InvalidAccessException
+// ("Can not extract empty value."); a listing element that is not an object throws
+// Poco::NullPointerException. Every other irregularity is tolerated.
+namespace fast {
+
+// One VdsInfo per entry of the volume listing, in its order, each with the files of the file
+// listing whose "vdsId" names it. Files of unknown volumes are dropped; when two volumes share
+// an id, the first one gets the files. An empty or "null" listing counts as no entries.
+FASTPANEL_EXPORT std::vector<VdsInfo> parseVdsInfos(const std::string& vdsListJson,
+                                                    const std::string& fileListJson);
+
+// The first record in [first, last) whose vdsId equals the entry's "vdsId" as text; last when
+// none does. Linear: parseVdsInfos itself looks records up through an index.
+FASTPANEL_EXPORT std::vector<VdsInfo>::iterator
+findVdsInfo(std::vector<VdsInfo>::iterator first, std::vector<VdsInfo>::iterator last,
+            const Poco::JSON::Object::Ptr& fileEntry);
+
+// The value under key of the JSON object in json, as text: a string as itself, a number in
+// decimal, an object or array as its JSON text. Empty when json is empty or has no such key.
+FASTPANEL_EXPORT std::string jsonValue(const std::string& key, const std::string& json);
+
+// The default extent under properties.subvolume.properties.dimN.properties.{min,max}.default;
+// any missing level leaves the fields below it empty.
+FASTPANEL_EXPORT SubvolumeRange parseSubvolumeRange(const std::string& pluginJson);
+
+} // namespace fast

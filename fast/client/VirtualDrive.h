@@ -1,0 +1,29 @@
+#pragma once
+
+#include <fast/fastpanel_export.h>
+
+#include <QString>
+
+#include <string>
+
+// Questions about FAST's virtual drive. A backslash counts as a separator on every platform,
+// as on Windows, where the drive lives.
+namespace fast {
+
+// The drive's root: the "FAST/FAST_MOUNT_POINT" setting (default "K:"), cleaned, with forward
+// slashes and no trailing separator. Read afresh at every call.
+FASTPANEL_EXPORT QString mountPoint();
+
+// Whether the cleaned path begins with the mount point, ignoring case. A plain prefix test:
+// "K:" also matches "K:x" and "Kx".
+FASTPANEL_EXPORT bool isMountedInVirtualDrive(const QString& path);
+
+// Whether the drive holds, directly under its root, an entry named like path's file without its
+// last suffix, with the host project's extension ".kv".
+FASTPANEL_EXPORT bool fileExistsInVirtualDrive(const QString& path);
+
+// An OSDU cloud path as the URL FAST accepts: "s3:" becomes "https:", the region between the
+// first "s3" and ".amazonaws" goes, and one trailing "/" goes.
+FASTPANEL_EXPORT std::string modifyVdsFilepath(const std::string& path);
+
+} // namespace fast

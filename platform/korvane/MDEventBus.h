@@ -1,0 +1,28 @@
+#pragma once
+
+#include <korvane/korvane_export.h>
+
+#include <QString>
+
+#include <functional>
+
+// The host's message bus. The library sends diagnostics here; the host decides where they go.
+// Kinds used by the library: 1 errors the user also sees, 3 traces, 4 information.
+class KORVANE_EXPORT MDEventBus
+{
+public:
+    using Listener = std::function<void(int kind, const QString& text)>;
+
+    // Delivers the message to every listener, on the calling thread, in the order they were
+    // added. Without listeners the message goes nowhere.
+    static void sendMessage(int kind, const QString& text, bool popup);
+
+    // Returns an id for removeListener. Safe from any thread.
+    static int addListener(Listener listener);
+
+    // Once this returns, the listener is not called again, except by a delivery that is under
+    // way on the calling thread itself (a listener may remove itself).
+    static void removeListener(int id);
+
+    MDEventBus() = delete;
+};

@@ -1,0 +1,225 @@
+#include "FastEmulator.h"
+
+#include <Poco/File.h>
+#include <Poco/FileStream.h>
+#include <Poco/Net/HTTPRequestHandler.h>
+#include <Poco/Net/HTTPRequestHandlerFactory.h>
+#include <Poco/Net/HTTPServer.h>
+#include <Poco/Net/HTTPServerParams.h>
+#include <Poco/Net/HTTPServerRequest.h>
+#include <Poco/Net/HTTPServerResponse.h>
+#include <Poco/Net/ServerSocket.h>
+#include <Poco/StreamCopier.h>
+#include <Poco/ThreadPool.h>
+#include <Poco/Util/Timer.h>
+#include <Poco/Util/TimerTask.h>
+
+#include <chrono>
+
+namespace emulator {
+
+namespace {
+
+class RequestHandler : public Poco::Net::HTTPRequestHandler
+{
+public:
+    explicit RequestHandler(FastEmulator& emulator) : m_emulator(emulator) {}
+
+    void handleRequest(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response) override
+    {
+        std::string body;
+        Poco::StreamCopier::copyToString(request.stream(), body);
+        const Reply reply = m_emulator.answer(request.getMethod(), request.getURI(), body);
+        response.setStatus(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(reply.status));
+        response.setContentType(!reply.body.empty() && (reply.body[0] == '{' || reply.body[0] == '[')
+                                    ? "application/json"
+                                    : "text/plain");
+        response.setContentLength(static_cast<std::streamsize>(reply.body.size()));
+        response.send() << reply.body;
+    }
+
+private:
+    FastEmulator& m_emulator;
+};
+
+class HandlerFactory : public Poco::Net::HTTPRequestHandlerFactory
+{
+public:
+    explicit HandlerFactory(FastEmulator& emulator) : m_emulator(emulator) {}
+
+    Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest&) override
+    {
+        return new RequestHandler(m_emulator);
+    }
+
+private:
+    FastEmulator& m_emulator;
+};
+
+// FAST writes the link file in the project folder a while after it answers the mount.
+class WriteLinkTask : public Poco::Util::TimerTask
+{
+public:
+    WriteLinkTask(std::string linkFile, std::string driveFile)
+        : m_linkFile(std::move(linkFile)), m_driveFile(std::move(driveFile))
+    {
+    }
+
+    void run() override
+    {
+        try {
+            Poco::FileOutputStream out(m_linkFile);
+            out << m_driveFile << '\n';
+        } catch (const Poco::Exception&) {
+            // A folder that cannot be written gets no link, as with the real service.
+        }
+    }
+
+private:
+    std::string m_linkFile;
+    std::string m_driveFile;
+};
+
+std::string pathOf(const std::string& target)
+{
+    return target.substr(0, target.find('?'));
+}
+
+} // namespace
+
+FastEmulator::FastEmulator(EmulatorOptions options)
+    : m_options(std::move(options)),
+      m_linkTimer(std::make_unique<Poco::Util::Timer>()),
+      m_service({m_options.driveDir, m_options.version, m_options.pluginInstalled, m_options.stateFile},
+                [this](const std::string& linkFile, const std::string& driveFile) {
+                    scheduleLink(linkFile, driveFile);
+                }),
+      m_port(m_options.port)
+{
+}
+
+FastEmulator::~FastEmulator()
+{
+    stop();
+    m_linkTimer.reset();
+}
+
+void FastEmulator::start()
+{
+    if (isRunning())
+        return;
+    Poco::Net::ServerSocket socket;
+    socket.bind(Poco::Net::SocketAddress("127.0.0.1", m_port), true);
+    socket.listen(64);
+    m_port = socket.address().port();
+
+    auto params = new Poco::Net::HTTPServerParams;
+    params->setMaxThreads(16);
+    params->setMaxQueued(256);
+    params->setKeepAlive(true);
+    m_threads = std::make_unique<Poco::ThreadPool>(2, 16);
+    m_server = std::make_unique<Poco::Net::HTTPServer>(new HandlerFactory(*this), *m_threads, socket, params);
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_running = true;
+    }
+    m_server->start();
+}
+
+void FastEmulator::stop()
+{
+    if (!m_server)
+        return;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_running = false;
+    }
+    m_stopped.notify_all();
+    m_server->stopAll(true);
+    m_server.reset();
+    // Handlers refer to this object: none may outlive it.
+    m_threads->joinAll();
+    m_threads.reset();
+}
+
+bool FastEmulator::isRunning() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_running;
+}
+
+unsigned short FastEmulator::port() const
+{
+    return m_port;
+}
+
+std::vector<LoggedRequest> FastEmulator::requests() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_requests;
+}
+
+void FastEmulator::clearRequests()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_requests.clear();
+}
+
+void FastEmulator::setFault(const std::string& method, const std::string& pathPrefix, const Fault& fault)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_faults.push_back({method, pathPrefix, fault});
+}
+
+void FastEmulator::clearFaults()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_faults.clear();
+}
+
+Reply FastEmulator::answer(const std::string& method, const std::string& target, const std::string& body)
+{
+    std::optional<Fault> fault;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_requests.push_back({method, target, body});
+    }
+    fault = faultFor(method, pathOf(target));
+    if (fault && fault->delayMs > 0)
+        holdBack(fault->delayMs);
+
+    Reply reply;
+    if (fault && fault->status)
+        reply = {*fault->status, "{\"error\":\"Injected failure\"}"};
+    else
+        reply = m_service.handle(method, target, body);
+    if (fault && fault->body)
+        reply.body = *fault->body;
+    return reply;
+}
+
+std::optional<Fault> FastEmulator::faultFor(const std::string& method, const std::string& path) const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const RouteFault* best = nullptr;
+    for (const RouteFault& candidate : m_faults) {
+        if (candidate.method == method && path.compare(0, candidate.pathPrefix.size(), candidate.pathPrefix) == 0
+            && (!best || candidate.pathPrefix.size() >= best->pathPrefix.size()))
+            best = &candidate;
+    }
+    return best ? std::optional<Fault>(best->fault) : std::nullopt;
+}
+
+void FastEmulator::holdBack(int delayMs)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_stopped.wait_for(lock, std::chrono::milliseconds(delayMs), [this] { return !m_running; });
+}
+
+void FastEmulator::scheduleLink(const std::string& linkFile, const std::string& driveFile)
+{
+    const Poco::Clock due = Poco::Clock() + static_cast<Poco::Clock::ClockDiff>(m_options.linkDelayMs) * 1000;
+    m_linkTimer->schedule(new WriteLinkTask(linkFile, driveFile), due);
+}
+
+} // namespace emulator

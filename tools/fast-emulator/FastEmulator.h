@@ -1,0 +1,107 @@
+#pragma once
+
+#include "FastService.h"
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Poco {
+class ThreadPool;
+namespace Net {
+class HTTPServer;
+}
+namespace Util {
+class Timer;
+}
+} // namespace Poco
+
+namespace emulator {
+
+struct EmulatorOptions
+{
+    // 0 picks a free port at the first start; later starts reuse the port.
+    unsigned short port = 0;
+    std::string driveDir;
+    std::string version = "2.0.0";
+    bool pluginInstalled = true;
+    int linkDelayMs = 50;
+    std::string stateFile;
+};
+
+struct LoggedRequest
+{
+    std::string method;
+    // Path and query, as sent.
+    std::string target;
+    std::string body;
+};
+
+// Injected misbehaviour for one route. A status answers at once, without touching the
+// service's state; a delay holds the answer back; a body replaces whatever the answer held.
+struct Fault
+{
+    std::optional<int> status;
+    int delayMs = 0;
+    std::optional<std::string> body;
+};
+
+// The FAST service on 127.0.0.1 over real HTTP, for tests, benchmarks and the demo.
+class FastEmulator
+{
+public:
+    explicit FastEmulator(EmulatorOptions options);
+    ~FastEmulator();
+    FastEmulator(const FastEmulator&) = delete;
+    FastEmulator& operator=(const FastEmulator&) = delete;
+
+    // Throws Poco::Net::NetException when the port cannot be bound.
+    void start();
+    // Closes the port; answers held back by a delay are dropped.
+    void stop();
+    bool isRunning() const;
+    unsigned short port() const;
+    std::string host() const { return "127.0.0.1"; }
+
+    std::vector<LoggedRequest> requests() const;
+    void clearRequests();
+
+    // The fault applies to requests of this method whose path begins with pathPrefix; the
+    // longest matching prefix wins.
+    void setFault(const std::string& method, const std::string& pathPrefix, const Fault& fault);
+    void clearFaults();
+
+    FastService& service() { return m_service; }
+
+    // For the HTTP layer.
+    Reply answer(const std::string& method, const std::string& target, const std::string& body);
+
+private:
+    std::optional<Fault> faultFor(const std::string& method, const std::string& path) const;
+    void holdBack(int delayMs);
+    void scheduleLink(const std::string& linkFile, const std::string& driveFile);
+
+    EmulatorOptions m_options;
+    std::unique_ptr<Poco::Util::Timer> m_linkTimer;
+    FastService m_service;
+    std::unique_ptr<Poco::ThreadPool> m_threads;
+    std::unique_ptr<Poco::Net::HTTPServer> m_server;
+    unsigned short m_port = 0;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_stopped;
+    bool m_running = false;
+    std::vector<LoggedRequest> m_requests;
+    struct RouteFault
+    {
+        std::string method;
+        std::string pathPrefix;
+        Fault fault;
+    };
+    std::vector<RouteFault> m_faults;
+};
+
+} // namespace emulator
