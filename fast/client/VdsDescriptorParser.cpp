@@ -1,6 +1,7 @@
 #include <fast/client/VdsDescriptorParser.h>
 
 #include <Poco/JSON/Array.h>
+#include <Poco/JSON/JSONException.h>
 #include <Poco/JSON/Parser.h>
 
 #include <sstream>
@@ -15,10 +16,20 @@ bool isAbsentListing(const std::string& json)
     return json.empty() || json == "null";
 }
 
+// The parser reports a number it cannot represent with Poco's generic syntax exception; callers
+// tell bad JSON by the JSON one alone.
+Poco::Dynamic::Var parseJson(const std::string& json)
+{
+    try {
+        return Poco::JSON::Parser().parse(json);
+    } catch (const Poco::SyntaxException& failure) {
+        throw Poco::JSON::JSONException(failure.message());
+    }
+}
+
 Poco::JSON::Array::Ptr parseArray(const std::string& json)
 {
-    Poco::JSON::Parser parser;
-    return parser.parse(json).extract<Poco::JSON::Array::Ptr>();
+    return parseJson(json).extract<Poco::JSON::Array::Ptr>();
 }
 
 // The value's text, or nothing when the object lacks the key.
@@ -104,8 +115,7 @@ std::string jsonValue(const std::string& key, const std::string& json)
 {
     if (json.empty())
         return {};
-    Poco::JSON::Parser parser;
-    const auto object = parser.parse(json).extract<Poco::JSON::Object::Ptr>();
+    const auto object = parseJson(json).extract<Poco::JSON::Object::Ptr>();
     if (!object->has(key))
         return {};
     const Poco::Dynamic::Var value = object->get(key);

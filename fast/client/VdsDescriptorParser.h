@@ -10,10 +10,10 @@
 
 // Reading FAST's JSON: the two listings and the plug-in description.
 //
-// Text that is not JSON throws Poco::JSON::JSONException (a syntax error). A listing whose root
-// is not an array, or a jsonValue input whose root is not an object, throws
-// Poco::BadCastException; a root that is JSON null throws Poco::InvalidAccessException
-// ("Can not extract empty value."); a listing element that is not an object throws
+// Text that is not JSON (numbers out of range included) throws Poco::JSON::JSONException. A
+// listing whose root is not an array, or a jsonValue input whose root is not an object, throws
+// Poco::BadCastException; a JSON null where a value is read throws
+// Poco::InvalidAccessException; a listing element that is not an object throws
 // Poco::NullPointerException. Every other irregularity is tolerated.
 namespace fast {
 

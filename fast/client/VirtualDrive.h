@@ -14,8 +14,8 @@ namespace fast {
 // slashes and no trailing separator. Read afresh at every call.
 FASTPANEL_EXPORT QString mountPoint();
 
-// Whether the cleaned path begins with the mount point, ignoring case. A plain prefix test:
-// "K:" also matches "K:x" and "Kx".
+// Whether the cleaned path begins with the mount point, ignoring case. A plain prefix test on
+// the text, kept so: a mount point "C:/mnt/fast" also takes "C:/mnt/fastest/x".
 FASTPANEL_EXPORT bool isMountedInVirtualDrive(const QString& path);
 
 // Whether the drive holds, directly under its root, an entry named like path's file without its

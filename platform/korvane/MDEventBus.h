@@ -14,7 +14,9 @@ public:
     using Listener = std::function<void(int kind, const QString& text)>;
 
     // Delivers the message to every listener, on the calling thread, in the order they were
-    // added. Without listeners the message goes nowhere.
+    // added. Without listeners the message goes nowhere. Deliveries from different threads take
+    // turns, so a listener must not wait for another thread that may be sending (hand the text
+    // over with a queued call instead).
     static void sendMessage(int kind, const QString& text, bool popup);
 
     // Returns an id for removeListener. Safe from any thread.
