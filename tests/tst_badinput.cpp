@@ -79,7 +79,7 @@ private slots:
         QTest::newRow("root is null") << "files" << " null" << "JSON" << "";
         QTest::newRow("not JSON") << "volumes" << "[{" << "JSON" << "";
         QTest::newRow("number out of range")
-            << "range" << R"({"properties":1e400})" << "Syntax" << "";
+            << "range" << R"({"properties":1e400})" << "JSON" << "";
     }
 
     void irregularShapesThrowTheDocumentedExceptions()
