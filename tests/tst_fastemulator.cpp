@@ -1,1 +1,175 @@
-int main() { return 0; }
+// The FAST emulator as tests, benchmarks and the demo rely on it: what it answers over real
+// HTTP, the files it leaves in the drive and project folders, its state across restarts, and
+// the faults it injects.
+
+#include "FastEmulatorFixture.h"
+
+#include <osdu/CurlSession.h>
+
+#include <QtTest>
+
+using emulator::Fault;
+
+namespace {
+
+osdu::CurlResponse call(const FastEmulatorFixture& fixture, const char* method, const std::string& path,
+                        const std::string& body = {})
+{
+    osdu::CurlSession session;
+    session.setUrl(fixture.baseUrl() + path);
+    session.setBody(body);
+    const std::string verb = method;
+    return verb == "POST" ? session.post() : verb == "DELETE" ? session.del() : session.get();
+}
+
+std::string mountBody(const std::string& vdsId, const std::string& name, const QString& linkPath,
+                      const std::string& dim0 = R"({"max":9,"min":0})")
+{
+    return R"({"parameters":{"link_path":")" + linkPath.toStdString() + R"(","shortcut_base_path":"",)"
+           + R"("subvolume":{"dim0":)" + dim0 + R"(,"dim1":{"max":9,"min":0},"dim2":{"max":9,"min":0}},)"
+           + R"("vds-compression-tolerance":0},"path":"/)" + name + R"(","plugin":"Korvane","vdsId":")" + vdsId
+           + R"("})";
+}
+
+std::string registerVolume(const FastEmulatorFixture& fixture, const std::string& url)
+{
+    return call(fixture, "POST", "/api/v2/vds/", R"({ "url": ")" + url + R"(" })").text;
+}
+
+} // namespace
+
+class FastEmulatorTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void mountCreatesTheDriveFileAndLaterTheLinkFile();
+    void mountRefusesWhatTheServiceRefuses_data();
+    void mountRefusesWhatTheServiceRefuses();
+    void unregisteringAVolumeTakesItsFilesAlong();
+    void stateSurvivesARestartOnTheSamePort();
+    void injectedFaultsApplyToTheLongestMatchingRoute();
+    void stoppingDropsAnAnswerHeldBack();
+};
+
+void FastEmulatorTest::mountCreatesTheDriveFileAndLaterTheLinkFile()
+{
+    FastEmulatorFixture fixture;
+    const std::string vdsId = registerVolume(fixture, "/data/a.vds");
+    const osdu::CurlResponse mounted = call(fixture, "POST", "/api/v2/file/", mountBody(vdsId, "cube", fixture.projectDir()));
+    QCOMPARE(mounted.statusCode, 200);
+    QVERIFY(QFile::exists(fixture.driveDir() + "/cube"));
+    QTRY_VERIFY(QFile::exists(fixture.projectDir() + "/cube.kv"));
+
+    const std::string listing = call(fixture, "GET", "/api/v2/file/").text;
+    QCOMPARE(QString::fromStdString(listing),
+             QString(R"([{"id":"%1","path":"/cube","vdsId":"%2"}])").arg(QString::fromStdString(mounted.text), QString::fromStdString(vdsId)));
+
+    QCOMPARE(call(fixture, "DELETE", "/api/v2/file/" + mounted.text).statusCode, 200);
+    QVERIFY(!QFile::exists(fixture.driveDir() + "/cube"));
+    QCOMPARE(call(fixture, "DELETE", "/api/v2/file/" + mounted.text).statusCode, 404);
+}
+
+void FastEmulatorTest::mountRefusesWhatTheServiceRefuses_data()
+{
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<int>("status");
+    QTest::newRow("not JSON") << "{" << 400;
+    QTest::newRow("min above max") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":1,"min":2})")) << 400;
+    QTest::newRow("bound not an integer") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":"9","min":0})")) << 400;
+    QTest::newRow("path with a folder") << QString::fromStdString(mountBody("ID", "a/b", "/p")) << 400;
+    QTest::newRow("unknown volume") << QString::fromStdString(mountBody("nope", "x", "/p")) << 404;
+    QTest::newRow("name taken") << QString::fromStdString(mountBody("ID", "taken", "/p")) << 409;
+}
+
+void FastEmulatorTest::mountRefusesWhatTheServiceRefuses()
+{
+    QFETCH(QString, body);
+    QFETCH(int, status);
+    FastEmulatorFixture fixture;
+    const std::string vdsId = registerVolume(fixture, "/data/a.vds");
+    QCOMPARE(call(fixture, "POST", "/api/v2/file/", mountBody(vdsId, "taken", fixture.projectDir())).statusCode, 200);
+
+    const osdu::CurlResponse refused = call(fixture, "POST", "/api/v2/file/", body.replace("\"ID\"", QString::fromStdString('"' + vdsId + '"')).toStdString());
+    QCOMPARE(refused.statusCode, status);
+    QVERIFY(refused.text.find("\"error\"") != std::string::npos);
+    QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
+}
+
+void FastEmulatorTest::unregisteringAVolumeTakesItsFilesAlong()
+{
+    FastEmulatorFixture fixture;
+    const std::string kept = registerVolume(fixture, "/data/kept.vds");
+    const std::string gone = registerVolume(fixture, "/data/gone.vds");
+    call(fixture, "POST", "/api/v2/file/", mountBody(kept, "k", fixture.projectDir()));
+    call(fixture, "POST", "/api/v2/file/", mountBody(gone, "g1", fixture.projectDir()));
+    call(fixture, "POST", "/api/v2/file/", mountBody(gone, "g2", fixture.projectDir()));
+
+    QCOMPARE(call(fixture, "DELETE", "/api/v2/vds/" + gone).statusCode, 200);
+    QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList{"k"});
+    QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
+    QCOMPARE(call(fixture, "GET", "/api/v2/plugin/Korvane?vdsId=" + gone).statusCode, 404);
+    QCOMPARE(call(fixture, "GET", "/api/v2/plugin/Korvane?vdsId=" + kept).statusCode, 200);
+}
+
+void FastEmulatorTest::stateSurvivesARestartOnTheSamePort()
+{
+    QTemporaryDir stateDir;
+    emulator::EmulatorOptions options;
+    options.stateFile = (stateDir.path() + "/state.json").toStdString();
+    FastEmulatorFixture fixture(options);
+    const std::string vdsId = registerVolume(fixture, "/data/a.vds");
+    const std::string fileId =
+        call(fixture, "POST", "/api/v2/file/", mountBody(vdsId, "cube", fixture.projectDir())).text;
+    const std::string volumes = call(fixture, "GET", "/api/v2/vds/").text;
+    const std::string files = call(fixture, "GET", "/api/v2/file/").text;
+
+    fixture.emulator().stop();
+    QCOMPARE(call(fixture, "GET", "/api/v2/about").statusCode, 0);
+
+    options.port = fixture.emulator().port();
+    options.driveDir = fixture.driveDir().toStdString();
+    emulator::FastEmulator restarted(options);
+    restarted.start();
+    QCOMPARE(restarted.port(), options.port);
+    QCOMPARE(call(fixture, "GET", "/api/v2/vds/").text, volumes);
+    QCOMPARE(call(fixture, "GET", "/api/v2/file/").text, files);
+    QCOMPARE(call(fixture, "DELETE", "/api/v2/file/" + fileId).statusCode, 200);
+}
+
+void FastEmulatorTest::injectedFaultsApplyToTheLongestMatchingRoute()
+{
+    FastEmulatorFixture fixture;
+    fixture.emulator().setFault("GET", "/api/v2/", Fault{503, 0, std::nullopt});
+    fixture.emulator().setFault("GET", "/api/v2/about", Fault{std::nullopt, 0, std::string("garbage")});
+
+    const osdu::CurlResponse about = call(fixture, "GET", "/api/v2/about");
+    QCOMPARE(about.statusCode, 200);
+    QCOMPARE(QString::fromStdString(about.text), "garbage");
+    QCOMPARE(call(fixture, "GET", "/api/v2/vds/").statusCode, 503);
+    // A refused request leaves the state alone; other methods are not affected.
+    QCOMPARE(call(fixture, "POST", "/api/v2/vds/", R"({ "url": "/a" })").statusCode, 200);
+
+    fixture.emulator().clearFaults();
+    QCOMPARE(call(fixture, "GET", "/api/v2/vds/").statusCode, 200);
+    QCOMPARE(fixture.emulator().requests().size(), std::size_t(4));
+}
+
+void FastEmulatorTest::stoppingDropsAnAnswerHeldBack()
+{
+    FastEmulatorFixture fixture;
+    fixture.emulator().setFault("GET", "/api/v2/about", Fault{std::nullopt, 60000, std::nullopt});
+    QThread* stopper = QThread::create([&fixture] {
+        while (fixture.emulator().requests().empty())
+            QThread::msleep(5);
+        fixture.emulator().stop();
+    });
+    stopper->start();
+    const int status = call(fixture, "GET", "/api/v2/about").statusCode;
+    QVERIFY(stopper->wait(10000));
+    delete stopper;
+    QCOMPARE(status, 0);
+}
+
+QTEST_GUILESS_MAIN(FastEmulatorTest)
+#include "tst_fastemulator.moc"

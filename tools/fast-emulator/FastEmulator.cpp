@@ -7,6 +7,7 @@
 #include <Poco/Net/HTTPServer.h>
 #include <Poco/Net/HTTPServerParams.h>
 #include <Poco/Net/HTTPServerRequest.h>
+#include <Poco/Net/HTTPServerRequestImpl.h>
 #include <Poco/Net/HTTPServerResponse.h>
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/StreamCopier.h>
@@ -29,13 +30,20 @@ public:
     {
         std::string body;
         Poco::StreamCopier::copyToString(request.stream(), body);
-        const Reply reply = m_emulator.answer(request.getMethod(), request.getURI(), body);
-        response.setStatus(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(reply.status));
-        response.setContentType(!reply.body.empty() && (reply.body[0] == '{' || reply.body[0] == '[')
+        const std::optional<Reply> reply = m_emulator.answer(request.getMethod(), request.getURI(), body);
+        if (!reply) {
+            // Stopped while the answer was held back: the client sees the connection reset.
+            auto& socket = static_cast<Poco::Net::HTTPServerRequestImpl&>(request).socket();
+            socket.setLinger(true, 0);
+            socket.close();
+            return;
+        }
+        response.setStatus(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(reply->status));
+        response.setContentType(!reply->body.empty() && (reply->body[0] == '{' || reply->body[0] == '[')
                                     ? "application/json"
                                     : "text/plain");
-        response.setContentLength(static_cast<std::streamsize>(reply.body.size()));
-        response.send() << reply.body;
+        response.setContentLength(static_cast<std::streamsize>(reply->body.size()));
+        response.send() << reply->body;
     }
 
 private:
@@ -177,7 +185,8 @@ void FastEmulator::clearFaults()
     m_faults.clear();
 }
 
-Reply FastEmulator::answer(const std::string& method, const std::string& target, const std::string& body)
+std::optional<Reply> FastEmulator::answer(const std::string& method, const std::string& target,
+                                          const std::string& body)
 {
     std::optional<Fault> fault;
     {
@@ -185,8 +194,8 @@ Reply FastEmulator::answer(const std::string& method, const std::string& target,
         m_requests.push_back({method, target, body});
     }
     fault = faultFor(method, pathOf(target));
-    if (fault && fault->delayMs > 0)
-        holdBack(fault->delayMs);
+    if (fault && fault->delayMs > 0 && !holdBack(fault->delayMs))
+        return std::nullopt;
 
     Reply reply;
     if (fault && fault->status)
@@ -210,10 +219,10 @@ std::optional<Fault> FastEmulator::faultFor(const std::string& method, const std
     return best ? std::optional<Fault>(best->fault) : std::nullopt;
 }
 
-void FastEmulator::holdBack(int delayMs)
+bool FastEmulator::holdBack(int delayMs)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_stopped.wait_for(lock, std::chrono::milliseconds(delayMs), [this] { return !m_running; });
+    return !m_stopped.wait_for(lock, std::chrono::milliseconds(delayMs), [this] { return !m_running; });
 }
 
 void FastEmulator::scheduleLink(const std::string& linkFile, const std::string& driveFile)

@@ -76,12 +76,13 @@ public:
 
     FastService& service() { return m_service; }
 
-    // For the HTTP layer.
-    Reply answer(const std::string& method, const std::string& target, const std::string& body);
+    // For the HTTP layer: the answer, or nothing when the emulator stopped while holding it back.
+    std::optional<Reply> answer(const std::string& method, const std::string& target, const std::string& body);
 
 private:
     std::optional<Fault> faultFor(const std::string& method, const std::string& path) const;
-    void holdBack(int delayMs);
+    // False when the emulator stopped during the wait.
+    bool holdBack(int delayMs);
     void scheduleLink(const std::string& linkFile, const std::string& driveFile);
 
     EmulatorOptions m_options;
