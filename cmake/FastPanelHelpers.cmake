@@ -27,6 +27,10 @@ function(fastpanel_shared_library target)
   set_target_properties(${target} PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
+  if(UNIX AND NOT APPLE)
+    # The libraries find each other in their own folder, wherever the package is installed.
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+  endif()
   fastpanel_warnings(${target})
   install(TARGETS ${target} EXPORT FastPanelTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
