@@ -1,0 +1,48 @@
+#include "RatioReporter.h"
+
+#include <cstdio>
+
+RatioReporter::RatioReporter(std::vector<Ratio> ratios) : m_ratios(std::move(ratios)) {}
+
+void RatioReporter::ReportRuns(const std::vector<Run>& runs)
+{
+    for (const Run& run : runs) {
+        if (run.iterations == 0)
+            continue;
+        // Ratios name benchmarks without the options that the run appends ("/min_time:2.000").
+        std::string name = run.benchmark_name();
+        name = name.substr(0, name.find("/min_time:"));
+        m_secondsPerIteration[name] = run.real_accumulated_time / static_cast<double>(run.iterations);
+    }
+    ConsoleReporter::ReportRuns(runs);
+}
+
+bool RatioReporter::printRatios() const
+{
+    bool allMet = true;
+    std::printf("\n%-52s %8s %8s  %s\n", "ratio (same run)", "measured", "goal", "");
+    for (const Ratio& ratio : m_ratios) {
+        const auto measured = m_secondsPerIteration.find(ratio.measured);
+        const auto baseline = m_secondsPerIteration.find(ratio.baseline);
+        if (measured == m_secondsPerIteration.end() || baseline == m_secondsPerIteration.end()) {
+            std::printf("%-52s %8s %8.2f  not run\n", ratio.label.c_str(), "-", ratio.goal);
+            continue;
+        }
+        const double value = measured->second / baseline->second;
+        const bool met = value <= ratio.goal;
+        allMet = allMet && met;
+        std::printf("%-52s %8.2f %8.2f  %s\n", ratio.label.c_str(), value, ratio.goal, met ? "met" : "MISSED");
+    }
+    return allMet;
+}
+
+int runWithRatios(int argc, char** argv, std::vector<RatioReporter::Ratio> ratios)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 2;
+    RatioReporter reporter(std::move(ratios));
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return reporter.printRatios() ? 0 : 1;
+}
