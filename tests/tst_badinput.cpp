@@ -5,29 +5,16 @@
 
 #include <QtTest>
 
-#include <random>
+#include <vector>
 
 // FAST's bodies come from another process and may be anything. Callers are prepared for the
 // POCO exceptions named here and nothing else.
 namespace {
 
-QString allowedKind(const Poco::Exception& error)
-{
-    if (dynamic_cast<const Poco::JSON::JSONException*>(&error))
-        return "JSON";
-    if (dynamic_cast<const Poco::BadCastException*>(&error))
-        return "BadCast";
-    if (dynamic_cast<const Poco::InvalidAccessException*>(&error))
-        return "InvalidAccess";
-    if (dynamic_cast<const Poco::NullPointerException*>(&error))
-        return "NullPointer";
-    return {};
-}
-
 const char* const kVolumes = R"([{"id":"1","url":"s3://b/c"},{"id":2,"url":"/d/e.vds"},{}])";
 
-// The kind of what the entry point threw on the input ("" for nothing) and its message.
-QPair<QString, QString> run(const QString& call, const std::string& input)
+// "Kind: message" for what the entry point threw on the input, "" for nothing.
+QString run(const QString& call, const std::string& input)
 {
     try {
         if (call == "volumes")
@@ -39,14 +26,18 @@ QPair<QString, QString> run(const QString& call, const std::string& input)
         else
             fast::parseSubvolumeRange(input);
         return {};
-    } catch (const Poco::Exception& error) {
-        const QString kind = allowedKind(error);
-        return {kind.isEmpty() ? QString("unexpected ") + error.className() : kind,
-                QString::fromStdString(error.message())};
+    } catch (const Poco::JSON::JSONException& error) {
+        return "JSON: " + QString::fromStdString(error.message());
+    } catch (const Poco::BadCastException& error) {
+        return "BadCast: " + QString::fromStdString(error.message());
+    } catch (const Poco::InvalidAccessException& error) {
+        return "InvalidAccess: " + QString::fromStdString(error.message());
+    } catch (const Poco::NullPointerException& error) {
+        return "NullPointer: " + QString::fromStdString(error.message());
     } catch (const std::exception& error) {
-        return {QString("unexpected ") + typeid(error).name(), error.what()};
+        return QString("unexpected ") + typeid(error).name() + ": " + error.what();
     } catch (...) {
-        return {"unexpected non-standard exception", {}};
+        return "unexpected non-standard exception";
     }
 }
 
@@ -61,86 +52,64 @@ private slots:
     {
         QTest::addColumn<QString>("call");
         QTest::addColumn<QString>("input");
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("thrown");
 
-        const QString badCast = "^Can not convert \\S+ to \\S+\\.$";
-        const QString empty = "^Can not convert empty value\\.$";
-        QTest::newRow("volume listing is an object") << "volumes" << "{}" << "BadCast" << badCast;
-        QTest::newRow("file listing is an object")
-            << "files" << R"({"a":1})" << "BadCast" << badCast;
-        QTest::newRow("value of an array") << "value" << "[1]" << "BadCast" << badCast;
-        QTest::newRow("volume id is null")
-            << "volumes" << R"([{"id":null}])" << "InvalidAccess" << empty;
-        QTest::newRow("value is null") << "value" << R"({"id":null})" << "InvalidAccess" << empty;
-        QTest::newRow("volume is not an object") << "volumes" << "[1]" << "NullPointer" << "";
-        QTest::newRow("file entry is null") << "files" << "[null]" << "NullPointer" << "";
+        const QString badCast = "^BadCast: Can not convert \\S+ to \\S+\\.$";
+        const QString null = "^InvalidAccess: Can not convert empty value\\.$";
+        QTest::newRow("listing is an object") << "volumes" << "{}" << badCast;
+        QTest::newRow("value of an array") << "value" << "[1]" << badCast;
+        QTest::newRow("volume id is null") << "volumes" << R"([{"id":null}])" << null;
+        QTest::newRow("value is null") << "value" << R"({"id":null})" << null;
+        QTest::newRow("volume is not an object") << "volumes" << "[1]" << "^NullPointer: ";
+        QTest::newRow("file entry is null") << "files" << "[null]" << "^NullPointer: ";
         // The parser takes only an object or an array as the root.
-        QTest::newRow("root is null") << "files" << " null" << "JSON" << "";
-        QTest::newRow("not JSON") << "volumes" << "[{" << "JSON" << "";
-        QTest::newRow("number out of range")
-            << "range" << R"({"properties":1e400})" << "JSON" << "";
+        QTest::newRow("root is null") << "files" << " null" << "^JSON: ";
+        QTest::newRow("number out of range") << "range" << R"({"properties":1e400})" << "^JSON: ";
     }
 
     void irregularShapesThrowTheDocumentedExceptions()
     {
         QFETCH(QString, call);
         QFETCH(QString, input);
-        QFETCH(QString, kind);
-        QFETCH(QString, message);
-        const auto thrown = run(call, input.toStdString());
-        QCOMPARE(thrown.first, kind);
-        QVERIFY2(QRegularExpression(message).match(thrown.second).hasMatch(),
-                 qPrintable(thrown.second));
+        QFETCH(QString, thrown);
+        const QString actual = run(call, input.toStdString());
+        QVERIFY2(QRegularExpression(thrown).match(actual).hasMatch(), qPrintable(actual));
     }
 
     void arbitraryBytesThrowOnlyTheDocumentedExceptions()
     {
         const std::string seeds[] = {
-            kVolumes,
-            R"([{"id":"f1","vdsId":"1","path":"/a.kv"},{"id":3,"vdsId":2,"path":"/b"}])",
-            R"({"properties":{"subvolume":{"properties":{"dim0":{"properties":)"
+            kVolumes, R"({"properties":{"subvolume":{"properties":{"dim0":{"properties":)"
             R"({"min":{"default":0},"max":{"default":1500}}}}}}})"};
-        const std::string values[] = {"null", "1e400", "-", "99999999999999999999999", "1.5",
-                                      "[]", "{}", "true", "\"\\u0000\"", "\"\\ud800\"", "0x1",
-                                      "-0", "\"\xff\xfe\"", "18446744073709551616",
-                                      "-9223372036854775809"};
+        const std::string values[] = {"null", "1e400", "99999999999999999999999", "-0", "[]", "{}",
+                                      "true", "\"\"", "\"\\ud800\"", "\"\xff\xfe\""};
         const std::string alphabet = std::string("{}[]\",:\\-+.eE019nul tf\xff") + '\0';
-        std::mt19937 random(20240611u);
-        const auto below = [&random](std::size_t n) { return std::size_t(random() % n); };
-        const auto value = [&] { return values[below(std::size(values))]; };
-
-        QMap<QString, int> seen;
-        for (int i = 0; i < 4000; ++i) {
-            const std::string& seed = seeds[below(std::size(seeds))];
-            std::string input;
-            if (i % 5 == 0) {
-                for (std::size_t n = below(48); n > 0; --n)
-                    input += char(below(256));
-            } else if (i % 5 == 1) {
-                input = seed.substr(0, below(seed.size()));
-            } else if (i % 5 == 2) {
-                input = seed;
-                for (std::size_t n = 1 + below(4); n > 0; --n)
-                    input[below(input.size())] = alphabet[below(alphabet.size())];
-            } else if (i % 5 == 3) {
-                input = "[{\"id\":" + value() + ",\"vdsId\":" + value() + ",\"path\":" + value()
-                        + ",\"url\":" + value() + "}]";
-            } else {
-                // Below and past the parser's depth limit, closed or not.
-                const std::size_t depth = 1 + below(300);
-                input = std::string(depth, '[') + std::string(depth - below(2), ']');
+        // Every cut and every one-character change of the seeds, and entries of every shape.
+        std::vector<std::string> inputs;
+        for (const std::string& seed : seeds) {
+            for (std::size_t at = 0; at < seed.size(); ++at) {
+                inputs.push_back(seed.substr(0, at));
+                for (char c : alphabet)
+                    inputs.push_back(seed.substr(0, at) + c + seed.substr(at + 1));
             }
-            if (below(3) == 0)
-                input = "{\"id\":" + input + ",\"properties\":" + input + "}";
-            for (const QString& call : QStringList{"volumes", "files", "value", "range"}) {
-                const auto thrown = run(call, input);
-                const QString input64 = QByteArray::fromStdString(input).toBase64();
-                QVERIFY2(!thrown.first.startsWith("unexpected"),
-                         qPrintable(call + " on base64 " + input64 + ": " + thrown.first + ' '
-                                    + thrown.second));
-                if (!thrown.first.isEmpty())
-                    ++seen[thrown.first];
+        }
+        for (const std::string& a : values) {
+            for (const std::string& b : values)
+                inputs.push_back("[{\"id\":" + a + ",\"vdsId\":" + b + ",\"path\":" + a
+                                 + ",\"url\":" + b + "}," + b + "]");
+        }
+        QSet<QString> seen;
+        for (const std::string& bare : inputs) {
+            // Nested too, so that the values reach the later levels of the lookups.
+            const std::string nested = "{\"id\":" + bare + ",\"properties\":" + bare + "}";
+            for (const std::string& input : {bare, nested}) {
+                for (const char* call : {"volumes", "files", "value", "range"}) {
+                    const QString thrown = run(call, input);
+                    QVERIFY2(!thrown.startsWith("unexpected"),
+                             qPrintable(thrown + " from " + call + " on base64 "
+                                        + QByteArray::fromStdString(input).toBase64()));
+                    seen << thrown.section(':', 0, 0);
+                }
             }
         }
         // The inputs must get past the syntax check into every documented failure.
