@@ -8,7 +8,21 @@
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VdsDescriptors.h>
 #include <fast/client/VirtualDrive.h>
+#include <fast/client/VdsMetaTypes.h>
+#include <fast/osdu/OsduTreeItem.h>
+#include <fast/osdu/OsduTreeModel.h>
 #include <fast/panel/CheckConnectionToFastWorker.h>
+#include <fast/trees/FastHeaderView.h>
+#include <fast/trees/FastSortFilterProxyModel.h>
+#include <fast/trees/FastTreeDelegate.h>
+#include <fast/trees/FastTreeModel.h>
+#include <fast/trees/FastTreeView.h>
+#include <fast/trees/OsduTreeDelegate.h>
+#include <fast/trees/OsduTreeView.h>
+#include <fast/trees/TreeRoles.h>
+#include <fast/trees/VdsTreeDelegate.h>
+#include <fast/trees/VdsTreeModel.h>
+#include <fast/trees/VdsTreeView.h>
 
 #include <korvane/MDEventBus.h>
 #include <osdu/HttpResponse.h>

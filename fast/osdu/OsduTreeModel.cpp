@@ -1,0 +1,50 @@
+#include <fast/osdu/OsduTreeModel.h>
+
+#include <fast/osdu/OsduTreeItem.h>
+#include <fast/trees/TreeRoles.h>
+
+namespace fast {
+
+OsduTreeModel::OsduTreeModel(QObject* parent) : FastTreeModel(parent)
+{
+    setHorizontalHeaderLabels({"Name", "Data", "", ""});
+}
+
+void OsduTreeModel::clearRows()
+{
+    removeRows(0, rowCount(), QModelIndex());
+}
+
+void OsduTreeModel::populate()
+{
+    clearRows();
+    for (int i = 0; i < m_vdsList.size(); ++i) {
+        const VdsModel& dataset = m_vdsList.at(i);
+        QList<QStandardItem*> top = makeRow({dataset.name, dataset.description}, i);
+        static_cast<OsduTreeItem*>(top[2])->setAction();
+        static_cast<OsduTreeItem*>(top[3])->setAction();
+
+        const QList<QStandardItem*> filesRow = makeRow({"Files"}, i);
+        appendChild(top.first(), filesRow);
+        for (int k = 0; k < static_cast<int>(dataset.files.size()); ++k) {
+            const VdsFile& file = dataset.files[static_cast<std::size_t>(k)];
+            QList<QStandardItem*> fileRow = makeRow(
+                {QString::fromStdString(file.fileName), QString::fromStdString(file.fileId)}, i, k);
+            static_cast<OsduTreeItem*>(fileRow[2])->setAction();
+            // Only the name, id and action cells stand for the file.
+            fileRow[3]->setData(-1, FileIndexRole);
+            appendChild(filesRow.first(), fileRow);
+        }
+        appendChild(top.first(), makeRow({"Id", dataset.recordId}, i));
+        appendChild(top.first(), makeRow({"Kind", dataset.kind}, i));
+        // Added whole: one insertion for the views instead of one per row.
+        appendRow(top);
+    }
+}
+
+void OsduTreeModel::vdsUnmounted(const std::string& vdsId)
+{
+    rebuildWithout(vdsId);
+}
+
+} // namespace fast

@@ -1,0 +1,60 @@
+#include <fast/trees/VdsTreeModel.h>
+
+#include <fast/osdu/OsduTreeItem.h>
+
+namespace fast {
+
+namespace {
+
+QString text(const std::string& utf8)
+{
+    return QString::fromStdString(utf8);
+}
+
+} // namespace
+
+VdsTreeModel::VdsTreeModel(QObject* parent) : FastTreeModel(parent)
+{
+    setHorizontalHeaderLabels({"Name", "Data", ""});
+    setColumnCount(3);
+}
+
+void VdsTreeModel::clearRows()
+{
+    // Every top-level row: right after addVds the list is one ahead of the rows.
+    removeRows(0, rowCount(), QModelIndex());
+}
+
+void VdsTreeModel::populate()
+{
+    for (int i = 0; i < m_vdsList.size(); ++i) {
+        const VdsModel& vds = m_vdsList.at(i);
+        QList<QStandardItem*> vdsRow = makeRow({vds.name}, i);
+        static_cast<OsduTreeItem*>(vdsRow.last())->setAction();
+        QStandardItem* parent = vdsRow.first();
+
+        if (!vds.files.empty()) {
+            const QList<QStandardItem*> filesRow = makeRow({"Files"}, i);
+            appendChild(parent, filesRow);
+            for (int k = 0; k < static_cast<int>(vds.files.size()); ++k) {
+                const VdsFile& file = vds.files[static_cast<std::size_t>(k)];
+                QList<QStandardItem*> fileRow = makeRow({text(file.fileName), text(file.fileId)}, i, k);
+                static_cast<OsduTreeItem*>(fileRow.last())->setAction();
+                appendChild(filesRow.first(), fileRow);
+            }
+        }
+        if (!vds.vdsId.empty())
+            appendChild(parent, makeRow({"Id", text(vds.vdsId)}, i));
+        if (!vds.url.empty())
+            appendChild(parent, makeRow({"Path", text(vds.url)}, i));
+        // Added whole: one insertion for the views instead of one per row.
+        appendRow(vdsRow);
+    }
+}
+
+void VdsTreeModel::vdsUnmounted(const std::string& vdsId)
+{
+    rebuildWithout(vdsId);
+}
+
+} // namespace fast

@@ -1,0 +1,238 @@
+// What the row delegates and the filter header draw, checked on rendered pixels, and the
+// registration filter driven through its pop-up.
+
+#include "TreeViewFixture.h"
+
+#include <fast/osdu/OsduTreeModel.h>
+#include <fast/trees/FastHeaderView.h>
+#include <fast/trees/FastSortFilterProxyModel.h>
+#include <fast/trees/OsduTreeDelegate.h>
+#include <fast/trees/OsduTreeView.h>
+#include <fast/trees/VdsTreeDelegate.h>
+#include <fast/trees/VdsTreeModel.h>
+#include <fast/trees/VdsTreeView.h>
+
+#include <QCheckBox>
+#include <QStyleOptionButton>
+#include <QLayout>
+#include <QPainter>
+#include <QtTest>
+
+namespace {
+
+const QColor kPaper(255, 255, 255);
+
+// The cell as the delegate paints it into a 40 x 30 rectangle on white.
+QImage paintCell(const fast::FastTreeDelegate& delegate, const QModelIndex& index)
+{
+    QImage image(40, 30, QImage::Format_ARGB32_Premultiplied);
+    image.fill(kPaper);
+    QPainter painter(&image);
+    QStyleOptionViewItem option;
+    option.rect = image.rect();
+    delegate.paint(&painter, option, index);
+    return image;
+}
+
+// The icon as it should stand in that cell: centred, at the given opacity.
+QImage expectedCell(const QString& resource, qreal opacity)
+{
+    QImage image(40, 30, QImage::Format_ARGB32_Premultiplied);
+    image.fill(kPaper);
+    if (!resource.isEmpty()) {
+        QPainter painter(&image);
+        painter.setOpacity(opacity);
+        const QPixmap icon(resource);
+        painter.drawPixmap(QPointF((40 - icon.width()) / 2, (30 - icon.height()) / 2), icon);
+    }
+    return image;
+}
+
+QImage blankCell()
+{
+    return expectedCell({}, 1);
+}
+
+QCheckBox* popupBox(fast::FastHeaderView& header, const QString& text)
+{
+    for (QCheckBox* box : header.popupWidget()->findChildren<QCheckBox*>()) {
+        if (box->text() == text)
+            return box;
+    }
+    return nullptr;
+}
+
+// Clicks where a person would: on the box's indicator (a click beside the text does nothing).
+void clickBox(QCheckBox* box)
+{
+    QStyleOptionButton option;
+    option.initFrom(box);
+    const QRect indicator = box->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, box);
+    QTest::mouseClick(box, Qt::LeftButton, {}, indicator.center());
+}
+
+} // namespace
+
+class TreePaintingTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void vdsDelegateDrawsTheIconCentredAndHalfOpaqueUnlessHovered();
+    void osduDelegateShowsTheMountStateAndUnmountOnlyWhenRegistered();
+    void delegatesDrawNothingForAForeignModel();
+    void proxyHidesTopLevelRowsByRegistration();
+    void popupChoicesDriveTheFilterAndAllFollowsThem();
+    void filterIconIsHighlightedWhileAnythingIsHidden();
+};
+
+void TreePaintingTest::vdsDelegateDrawsTheIconCentredAndHalfOpaqueUnlessHovered()
+{
+    fast::VdsTreeView view;
+    fast::VdsTreeDelegate delegate(view.proxyModel());
+    view.model()->addVds(registeredVolume());
+    view.setConnectedToFast(true);
+    view.refresh();
+
+    const QModelIndex icon = cellAt(view, {0}, 2);
+    QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 0.5));
+    delegate.setHoveredIndex(icon);
+    QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 1.0));
+    QCOMPARE(paintCell(delegate, cellAt(view, {0, 0, 0}, 2)), expectedCell(":/light/delete24.png", 0.5));
+    // The "Id" row's column 2 carries no action: blank, not even a background.
+    QCOMPARE(paintCell(delegate, cellAt(view, {0, 1}, 2)), blankCell());
+
+    QStyleOptionViewItem option;
+    QCOMPARE(delegate.sizeHint(option, icon), QSize(30, 30));
+    QCOMPARE(delegate.sizeHint(option, cellAt(view, {0}, 0)).height(), 30);
+}
+
+void TreePaintingTest::osduDelegateShowsTheMountStateAndUnmountOnlyWhenRegistered()
+{
+    fast::OsduTreeView view;
+    fast::OsduTreeDelegate delegate(view.proxyModel());
+    view.model()->addVds(registeredVolume());
+    view.model()->addVds(unregisteredVolume());
+    view.setConnectedToFast(true);
+    view.refresh();
+
+    QCOMPARE(paintCell(delegate, cellAt(view, {0}, 2)), expectedCell(":/light/down_ko.png", 0.5));
+    QCOMPARE(paintCell(delegate, cellAt(view, {0}, 3)), expectedCell(":/light/delete24.png", 0.5));
+    QCOMPARE(paintCell(delegate, cellAt(view, {1}, 2)), expectedCell(":/light/down_ok.png", 0.5));
+    QCOMPARE(paintCell(delegate, cellAt(view, {1}, 3)), blankCell());
+    QCOMPARE(paintCell(delegate, cellAt(view, {0, 1}, 3)), blankCell());
+}
+
+void TreePaintingTest::delegatesDrawNothingForAForeignModel()
+{
+    QStandardItemModel foreign;
+    foreign.appendRow({new QStandardItem("text"), new QStandardItem("more"), new QStandardItem("x")});
+    foreign.item(0, 2)->setData(true, Qt::UserRole + 3);
+    QSortFilterProxyModel proxy;
+    proxy.setSourceModel(&foreign);
+    const fast::VdsTreeDelegate vdsDelegate(&proxy);
+    const fast::OsduTreeDelegate osduDelegate(&proxy);
+    for (int column = 0; column < 3; ++column) {
+        QCOMPARE(paintCell(vdsDelegate, proxy.index(0, column)), blankCell());
+        QCOMPARE(paintCell(osduDelegate, proxy.index(0, column)), blankCell());
+    }
+}
+
+void TreePaintingTest::proxyHidesTopLevelRowsByRegistration()
+{
+    fast::OsduTreeView view;
+    view.model()->addVds(registeredVolume());
+    view.model()->addVds(unregisteredVolume());
+    view.setConnectedToFast(true);
+    view.refresh();
+    fast::FastSortFilterProxyModel& proxy = *view.proxyModel();
+    QCOMPARE(proxy.filterStates(), (QMap<QString, int>{{"Registered", Qt::Checked}, {"Unregistered", Qt::Checked}}));
+    QCOMPARE(proxy.rowCount(), 2);
+
+    proxy.setFilterState("Registered", Qt::Unchecked);
+    proxy.invalidateFilterPublic();
+    QCOMPARE(proxy.rowCount(), 1);
+    QCOMPARE(proxy.index(0, 0).data().toString(), "fresh");
+    QCOMPARE(proxy.rowCount(proxy.index(0, 0)), 3); // its children come along
+
+    proxy.setFilterState("Unregistered", Qt::Unchecked);
+    proxy.invalidateFilterPublic();
+    QCOMPARE(proxy.rowCount(), 0);
+
+    // Over a model that is not a volume tree, nothing passes.
+    QStandardItemModel plain(2, 1);
+    fast::FastSortFilterProxyModel other;
+    other.setSourceModel(&plain);
+    QCOMPARE(other.rowCount(), 0);
+}
+
+void TreePaintingTest::popupChoicesDriveTheFilterAndAllFollowsThem()
+{
+    fast::OsduTreeView view;
+    view.model()->addVds(registeredVolume());
+    view.model()->addVds(unregisteredVolume());
+    view.setConnectedToFast(true);
+    view.refresh();
+    showExpanded(view);
+    auto& header = static_cast<fast::FastHeaderView&>(*view.header());
+    QSignalSpy filtered(&header, &fast::FastHeaderView::filterColumns);
+
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(10, header.height() / 2));
+    QVERIFY(header.popupWidget());
+    const QStringList texts = [&] {
+        QStringList list;
+        for (QCheckBox* box : header.popupWidget()->findChildren<QCheckBox*>())
+            list << box->text();
+        return list;
+    }();
+    QCOMPARE(texts.size(), 3);
+    QCOMPARE(qobject_cast<QCheckBox*>(header.popupWidget()->layout()->itemAt(0)->widget())->text(), "All");
+    QCheckBox* all = popupBox(header, "All");
+    QCheckBox* registered = popupBox(header, "Registered");
+    QCOMPARE(all->checkState(), Qt::Checked);
+
+    clickBox(registered);
+    QCOMPARE(view.proxyModel()->filterStates().value("Registered"), int(Qt::Unchecked));
+    QCOMPARE(view.proxyModel()->rowCount(), 1);
+    QCOMPARE(all->checkState(), Qt::PartiallyChecked);
+    QCOMPARE(filtered.size(), 1);
+    QVERIFY(header.isFilterActive(0));
+
+    clickBox(all);
+    QCOMPARE(all->checkState(), Qt::Checked);
+    QCOMPARE(registered->checkState(), Qt::Checked);
+    QCOMPARE(view.proxyModel()->rowCount(), 2);
+    QVERIFY(!header.isFilterActive(0));
+
+    clickBox(all);
+    QCOMPARE(popupBox(header, "Unregistered")->checkState(), Qt::Unchecked);
+    QCOMPARE(view.proxyModel()->rowCount(), 0);
+
+    // The VDS tree offers no filter: a click on its header opens nothing.
+    fast::VdsTreeView vdsView;
+    showExpanded(vdsView);
+    auto& vdsHeader = static_cast<fast::FastHeaderView&>(*vdsView.header());
+    QTest::mouseClick(vdsHeader.viewport(), Qt::LeftButton, {}, QPoint(10, vdsHeader.height() / 2));
+    QVERIFY(!vdsHeader.popupWidget());
+}
+
+void TreePaintingTest::filterIconIsHighlightedWhileAnythingIsHidden()
+{
+    fast::OsduTreeView view;
+    view.setConnectedToFast(true);
+    showExpanded(view);
+    auto& header = static_cast<fast::FastHeaderView&>(*view.header());
+    const QRect iconRect = header.getDrawingRect(QRect(header.sectionViewportPosition(0), 0, header.sectionSize(0), header.height()));
+    const auto drawnIcon = [&] { return header.viewport()->grab().toImage().copy(iconRect); };
+
+    const QImage plain = drawnIcon();
+    view.proxyModel()->setFilterState("Unregistered", Qt::Unchecked);
+    header.viewport()->update();
+    QTRY_VERIFY(drawnIcon() != plain);
+    view.proxyModel()->setFilterState("Unregistered", Qt::Checked);
+    header.viewport()->update();
+    QTRY_COMPARE(drawnIcon(), plain);
+}
+
+QTEST_MAIN(TreePaintingTest)
+#include "tst_treepainting.moc"

@@ -1,0 +1,170 @@
+// Clicks, hover and connection state of the volume trees, on real widgets.
+
+#include "TreeViewFixture.h"
+
+#include <fast/osdu/OsduTreeModel.h>
+#include <fast/trees/FastSortFilterProxyModel.h>
+#include <fast/trees/OsduTreeDelegate.h>
+#include <fast/trees/OsduTreeView.h>
+#include <fast/trees/VdsTreeDelegate.h>
+#include <fast/trees/VdsTreeModel.h>
+#include <fast/trees/VdsTreeView.h>
+
+#include <QHeaderView>
+#include <QtTest>
+
+namespace {
+
+// What the view's three signals carried, as text.
+struct SignalLog
+{
+    explicit SignalLog(fast::FastTreeView& view)
+    {
+        QObject::connect(&view, &fast::FastTreeView::mountVds, &view,
+                         [this](const fast::VdsModel& vds) { calls << "mount " + vds.name; });
+        QObject::connect(&view, qOverload<std::string, std::vector<fast::VdsFile>>(&fast::FastTreeView::unmountVds),
+                         &view, [this](const std::string& vdsId, const std::vector<fast::VdsFile>& files) {
+                             calls << QString("unmount %1 with %2 files").arg(QString::fromStdString(vdsId)).arg(files.size());
+                         });
+        QObject::connect(&view, &fast::FastTreeView::deleteFile, &view,
+                         [this](const std::string& vdsId, fast::VdsFile& file) {
+                             calls << QString::fromStdString("delete " + file.fileId + " of " + vdsId);
+                         });
+    }
+    QStringList calls;
+};
+
+template<typename View, typename Delegate>
+void prepare(View& view)
+{
+    view.setItemDelegate(new Delegate(view.proxyModel(), &view));
+    view.model()->addVds(registeredVolume());
+    view.model()->addVds(unregisteredVolume());
+    view.setConnectedToFast(true);
+    view.refresh();
+    showExpanded(view);
+}
+
+void click(fast::FastTreeView& view, std::initializer_list<int> path, int column, Qt::MouseButton button = Qt::LeftButton)
+{
+    QTest::mouseClick(view.viewport(), button, {}, centreOf(view, cellAt(view, path, column)));
+}
+
+} // namespace
+
+class TreeViewsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void vdsIconsUnmountVolumesAndDeleteFiles();
+    void osduIconsMountAndUnmount();
+    void hoverFollowsTheMouseAndClearsOnLeave();
+    void disconnectingHidesIconsAndKeepsRecords();
+    void childrenTakeTheirParentsStripe();
+};
+
+void TreeViewsTest::vdsIconsUnmountVolumesAndDeleteFiles()
+{
+    fast::VdsTreeView view;
+    prepare<fast::VdsTreeView, fast::VdsTreeDelegate>(view);
+    SignalLog log(view);
+
+    click(view, {0}, 2);
+    click(view, {0, 0, 1}, 2);          // file "b" under "Files"
+    click(view, {1}, 2);                // no FAST id: nothing
+    click(view, {0}, 1);                // same row, not the icon
+    click(view, {0, 0, 0}, 2, Qt::RightButton);
+    click(view, {0, 1}, 2);             // the "Id" row has no icon
+    QCOMPARE(log.calls, QStringList({"unmount v1 with 2 files", "delete f2 of v1"}));
+}
+
+void TreeViewsTest::osduIconsMountAndUnmount()
+{
+    fast::OsduTreeView view;
+    prepare<fast::OsduTreeView, fast::OsduTreeDelegate>(view);
+    SignalLog log(view);
+
+    click(view, {0}, 2);                // mounting is offered whatever the state
+    click(view, {1}, 2);
+    click(view, {0}, 3);
+    click(view, {1}, 3);                // not registered: nothing to unmount
+    click(view, {0, 0, 0}, 2);          // a file row's icon sits in the mount column
+    click(view, {0, 0, 0}, 3);
+    click(view, {0}, 2, Qt::MiddleButton);
+    QCOMPARE(log.calls, QStringList({"mount cube", "mount fresh", "unmount v1 with 2 files", "mount cube"}));
+}
+
+void TreeViewsTest::hoverFollowsTheMouseAndClearsOnLeave()
+{
+    fast::VdsTreeView view;
+    prepare<fast::VdsTreeView, fast::VdsTreeDelegate>(view);
+    auto* delegate = qobject_cast<fast::FastTreeDelegate*>(view.itemDelegate());
+
+    const QModelIndex icon = cellAt(view, {0}, 2);
+    QTest::mouseMove(view.viewport(), centreOf(view, icon));
+    QTRY_COMPARE(delegate->hoveredIndex(), icon);
+
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(view.viewport(), &leave);
+    QVERIFY(!delegate->hoveredIndex().isValid());
+}
+
+void TreeViewsTest::disconnectingHidesIconsAndKeepsRecords()
+{
+    fast::OsduTreeView view;
+    prepare<fast::OsduTreeView, fast::OsduTreeDelegate>(view);
+    QVERIFY(view.isEnabled());
+    QVERIFY(!view.header()->isSectionHidden(3));
+
+    view.setConnectedToFast(false);
+    QVERIFY(!view.isEnabled());
+    QVERIFY(view.header()->isSectionHidden(2) && view.header()->isSectionHidden(3));
+    QCOMPARE(view.header()->sectionResizeMode(1), QHeaderView::Stretch);
+    QCOMPARE(view.model()->rowCount(), 0);
+    QCOMPARE(view.model()->vdsCount(), 2);
+
+    view.setConnectedToFast(true);
+    view.refresh();
+    QCOMPARE(view.model()->rowCount(), 2);
+    QVERIFY(!view.header()->isSectionHidden(2));
+
+    // A fresh view starts disconnected.
+    fast::VdsTreeView fresh;
+    QVERIFY(!fresh.isEnabled());
+    QVERIFY(fresh.header()->isSectionHidden(2));
+    QCOMPARE(fresh.model(), fresh.sourceModel());
+    QCOMPARE(fresh.QTreeView::model(), fresh.proxyModel());
+}
+
+void TreeViewsTest::childrenTakeTheirParentsStripe()
+{
+    QPalette palette = QApplication::palette();
+    palette.setColor(QPalette::Base, QColor(250, 250, 250));
+    palette.setColor(QPalette::AlternateBase, QColor(200, 220, 240));
+    QApplication::setPalette(palette);
+
+    fast::VdsTreeView view;
+    view.setItemDelegate(new fast::VdsTreeDelegate(view.proxyModel(), &view));
+    view.model()->addVds(unregisteredVolume());
+    view.model()->addVds(registeredVolume());
+    view.setConnectedToFast(true);
+    view.refresh();
+    showExpanded(view);
+
+    const QImage image = view.viewport()->grab().toImage();
+    // Sample column 1 near its right end, where no text is drawn.
+    const auto background = [&](std::initializer_list<int> path) {
+        const QRect cell = view.visualRect(cellAt(view, path, 1));
+        return QColor(image.pixel(cell.right() - 3, cell.center().y()));
+    };
+    QCOMPARE(background({0}), palette.color(QPalette::Base));
+    QCOMPARE(background({1}), palette.color(QPalette::AlternateBase));
+    // "Files" is row 0 of the odd row 1, and its first file row 0 of row 0 of row 1.
+    QCOMPARE(background({1, 0}), palette.color(QPalette::AlternateBase));
+    QCOMPARE(background({1, 0, 1}), palette.color(QPalette::Base));
+    QCOMPARE(background({1, 1}), palette.color(QPalette::AlternateBase));
+}
+
+QTEST_MAIN(TreeViewsTest)
+#include "tst_treeviews.moc"
