@@ -224,6 +224,10 @@ void TreePaintingTest::filterIconIsHighlightedWhileAnythingIsHidden()
     auto& header = static_cast<fast::FastHeaderView&>(*view.header());
     const QRect iconRect = header.getDrawingRect(QRect(header.sectionViewportPosition(0), 0, header.sectionSize(0), header.height()));
     const auto drawnIcon = [&] { return header.viewport()->grab().toImage().copy(iconRect); };
+    // Hovering highlights too: start with the mouse elsewhere.
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(header.viewport(), &leave);
+    QCOMPARE(header.getHoverIndex(), -1);
 
     const QImage plain = drawnIcon();
     view.proxyModel()->setFilterState("Unregistered", Qt::Unchecked);

@@ -64,6 +64,11 @@ bool FastHeaderView::isFilterActive(int /*logicalIndex*/)
     return hidesAnything();
 }
 
+bool FastHeaderView::hasFilter(int /*logicalIndex*/) const
+{
+    return false;
+}
+
 void FastHeaderView::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const
 {
     if (!rect.isValid())

@@ -35,6 +35,9 @@ Q_SIGNALS:
     void filterColumns(int logicalIndex);
 
 protected:
+    // Only section 0 of a tree with the registration filter shows an icon, drawn here, and the
+    // pop-up opens on any left click: the kit's own icon handling stays off.
+    bool hasFilter(int logicalIndex) const override;
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 

@@ -136,11 +136,19 @@ int HeaderView::getHoverIndex() const
     return m_hoverIndex;
 }
 
+bool HeaderView::hasFilter(int /*logicalIndex*/) const
+{
+    return true;
+}
+
 void HeaderView::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const
 {
-    const QRect iconRect = getDrawingRect(rect);
+    const QRect iconRect = hasFilter(logicalIndex) ? getDrawingRect(rect) : QRect();
     if (iconRect.isEmpty()) {
+        // Restored, so that a subclass can still draw over the section afterwards.
+        painter->save();
         QHeaderView::paintSection(painter, rect, logicalIndex);
+        painter->restore();
         return;
     }
 
@@ -181,6 +189,8 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int logicalI
 QSize HeaderView::sectionSizeFromContents(int logicalIndex) const
 {
     QSize size = QHeaderView::sectionSizeFromContents(logicalIndex);
+    if (!hasFilter(logicalIndex))
+        return size;
     const int room = iconSize() + 2 * iconMargin();
     size.rwidth() += room;
     size.setHeight(qMax(size.height(), room));
@@ -191,7 +201,7 @@ void HeaderView::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton) {
         const int logicalIndex = logicalIndexAt(event->pos());
-        if (logicalIndex >= 0
+        if (logicalIndex >= 0 && hasFilter(logicalIndex)
             && getDrawingRect(sectionViewportRect(logicalIndex)).contains(event->pos())) {
             showSortPopup(logicalIndex);
             return;

@@ -44,6 +44,10 @@ public:
     int getHoverIndex() const;
 
 protected:
+    // Whether the section shows the icon and opens the pop-up from it; every section does here.
+    // A subclass that draws and opens its filter itself says false.
+    virtual bool hasFilter(int logicalIndex) const;
+
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
     QSize sectionSizeFromContents(int logicalIndex) const override;
     void mousePressEvent(QMouseEvent* event) override;
