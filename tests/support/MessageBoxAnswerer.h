@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+// Answers the modal message boxes that the code under test opens while this object lives,
+// recording each one's title and text, so that a test can assert what a person would have read.
+// A box is answered with its default button (OK for the library's warnings).
+class MessageBoxAnswerer : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Box
+    {
+        QString title;
+        QString text;
+    };
+
+    explicit MessageBoxAnswerer(QObject* parent = nullptr);
+
+    QList<Box> boxes() const { return m_boxes; }
+    // "title: text" of every box answered, in order: handy in QCOMPARE.
+    QStringList summaries() const;
+
+private:
+    void answerOpenBoxes();
+
+    QTimer m_poll;
+    QList<Box> m_boxes;
+};
