@@ -12,6 +12,11 @@
 #include <fast/osdu/OsduTreeItem.h>
 #include <fast/osdu/OsduTreeModel.h>
 #include <fast/panel/CheckConnectionToFastWorker.h>
+#include <fast/panel/FastTabWidget.h>
+#include <fast/panel/FastWidget.h>
+#include <fast/panel/MountNewVolume.h>
+#include <fast/panel/OsduWidget.h>
+#include <fast/panel/VdsWidget.h>
 #include <fast/trees/FastHeaderView.h>
 #include <fast/trees/FastSortFilterProxyModel.h>
 #include <fast/trees/FastTreeDelegate.h>

@@ -53,6 +53,21 @@ void FastTreeModel::removeVdsRecord(const std::string& vdsId)
         m_vdsList.removeAt(index);
 }
 
+void FastTreeModel::removeAllRecords()
+{
+    m_vdsList.clear();
+}
+
+void FastTreeModel::setVdsIdForUrl(const std::string& url, const std::string& vdsId)
+{
+    for (VdsModel& record : m_vdsList) {
+        if (record.url == url) {
+            record.vdsId = vdsId;
+            return;
+        }
+    }
+}
+
 QStandardItem* FastTreeModel::findVdsRowItem(const std::string& url) const
 {
     const QList<QStandardItem*> matches = findItems(text(url), Qt::MatchExactly | Qt::MatchRecursive, 1);

@@ -30,6 +30,10 @@ public:
     std::optional<VdsModel> findVds(const std::string& vdsId) const;
     // Drops the record; its rows stay until the next rebuild.
     void removeVdsRecord(const std::string& vdsId);
+    // Drops every record; the rows stay until the next rebuild.
+    void removeAllRecords();
+    // Gives the first record registered under url its FAST id, once FAST knows the volume.
+    void setVdsIdForUrl(const std::string& url, const std::string& vdsId);
 
     // The volume row whose "Path" row holds url in column 1; null unless exactly one cell of
     // column 1, at any depth, holds that text.

@@ -63,6 +63,14 @@ void FastTreeView::setConnectedToFast(bool connected)
     }
 }
 
+void FastTreeView::clear()
+{
+    if (!m_model)
+        return;
+    m_model->clearRows();
+    m_model->removeAllRecords();
+}
+
 void FastTreeView::refresh()
 {
     m_model->populate();

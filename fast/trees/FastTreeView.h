@@ -30,6 +30,9 @@ public:
     // Disconnected: disabled, icon columns hidden, rows cleared (the records stay).
     void setConnectedToFast(bool connected);
 
+    // Empties the tree: rows and records.
+    void clear();
+
     // Rebuilds the rows from the records and fits column 0 to the longest name.
     virtual void refresh();
     virtual void onActionClicked(const VdsModel& vds, int fileIndex, const QModelIndex& sourceIndex) = 0;

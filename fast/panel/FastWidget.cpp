@@ -1,0 +1,60 @@
+#include <fast/panel/FastWidget.h>
+
+#include <fast/client/Fast.h>
+#include <fast/trees/FastTreeModel.h>
+#include <fast/trees/FastTreeView.h>
+
+#include <algorithm>
+
+namespace fast {
+
+FastWidget::FastWidget(std::shared_ptr<Fast> fast, QWidget* parent) : QWidget(parent), m_fast(std::move(fast))
+{
+    qRegisterMetaType<fast::eVdsLocation>("fast::eVdsLocation");
+}
+
+FastWidget::~FastWidget() = default;
+
+void FastWidget::setConnectedToFast(bool connected)
+{
+    if (m_treeView)
+        m_treeView->setConnectedToFast(connected);
+}
+
+void FastWidget::connectTreeView()
+{
+    connect(m_treeView, qOverload<std::string, std::vector<VdsFile>>(&FastTreeView::unmountVds), this,
+            &FastWidget::onUnmountVds, Qt::DirectConnection);
+    connect(m_treeView, &FastTreeView::deleteFile, this, &FastWidget::onDeleteFile, Qt::DirectConnection);
+}
+
+void FastWidget::onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList)
+{
+    m_fast->unmountVds(vdsId, fileList);
+    auto* model = qobject_cast<FastTreeModel*>(m_treeView->sourceModel());
+    if (!model)
+        return;
+    for (const VdsFile& file : fileList)
+        Q_EMIT removeVdsFileFromProject(QString::fromStdString(file.fileName));
+    model->vdsUnmounted(vdsId);
+}
+
+void FastWidget::onDeleteFile(std::string vdsId, VdsFile& vdsFile)
+{
+    m_fast->deleteFile(vdsFile.fileId);
+    auto* model = qobject_cast<FastTreeModel*>(m_treeView->sourceModel());
+    if (!model)
+        return;
+    model->removeFile(vdsId, vdsFile);
+    const QList<VdsModel> records = model->vdsList();
+    const bool volumeNowEmpty = std::any_of(records.begin(), records.end(), [&vdsId](const VdsModel& record) {
+        return record.vdsId == vdsId && record.files.empty();
+    });
+    if (volumeNowEmpty) {
+        m_fast->unmountVds(vdsId, {});
+        model->vdsUnmounted(vdsId);
+    }
+    Q_EMIT removeVdsFileFromProject(QString::fromStdString(vdsFile.fileName));
+}
+
+} // namespace fast

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <fast/fastpanel_export.h>
+#include <fast/client/VdsMetaTypes.h>
+
+#include <QWidget>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace fast {
+
+class Fast;
+class FastTreeView;
+
+// Where a volume handed to the host comes from.
+enum eVdsLocation { OSDU = 1, LOCAL_FILE = 2, CLOUD_URL = 3 };
+
+// The common base of the panel's pages: the shared FAST client, the page's volume tree, the
+// signals through which a page speaks to the host, and what the tree's unmount and delete
+// icons do.
+class FASTPANEL_EXPORT FastWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    FastWidget(std::shared_ptr<Fast> fast, QWidget* parent = nullptr);
+    ~FastWidget() override;
+
+    // Forwards to the tree; a page without a tree yet ignores it.
+    virtual void setConnectedToFast(bool connected);
+
+    FastTreeView* treeView() const { return m_treeView; }
+
+Q_SIGNALS:
+    void sendActionToMdi(QObject*, QObject*, const QString&);
+    void addToExtraDataManager(QString fileName, fast::eVdsLocation vdsLocation);
+    void removeVdsFileFromProject(QString fileName);
+
+protected:
+    // For the derived page, once it has made m_treeView.
+    void connectTreeView();
+    // The host hears of the removals first, then the tree loses the volume.
+    void onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList);
+    // The tree loses the file (and a volume left without files is unregistered) before the
+    // host hears of the removal.
+    void onDeleteFile(std::string vdsId, VdsFile& vdsFile);
+
+    std::shared_ptr<Fast> m_fast;
+    FastTreeView* m_treeView = nullptr;
+};
+
+} // namespace fast
+
+Q_DECLARE_METATYPE(fast::eVdsLocation)

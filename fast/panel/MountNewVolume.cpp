@@ -1,0 +1,269 @@
+#include <fast/panel/MountNewVolume.h>
+
+#include <fast/client/Fast.h>
+#include <fast/client/VirtualDrive.h>
+
+#include <korvane/IconXPMHandler.h>
+#include <korvane/MDEventBus.h>
+#include <kvWidgets/DoubleSlider.h>
+#include <kvWidgets/HelpToolTip.h>
+#include <osdu/HttpResponse.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPalette>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QThread>
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+namespace fast {
+
+namespace {
+
+constexpr int kWholeAxisMaximum = 1000000;
+constexpr int kRenameRetryMs = 10;
+constexpr int kRenameAttempts = 1000;
+
+const char* const kRedLabel = "QLabel { color : red; }";
+
+QString mountErrorTitle()
+{
+    return QStringLiteral("Bluware FAST\u2122 mount error");
+}
+
+int toInt(const std::string& text)
+{
+    return std::stoi(text, nullptr, 10);
+}
+
+// A depth bound is fractional; converting one outside int would be undefined, so it is refused
+// as std::stod refuses what a double cannot hold.
+int toWholeDepth(double value)
+{
+    if (!(value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max()))
+        throw std::out_of_range("stod argument out of range");
+    return static_cast<int>(value);
+}
+
+} // namespace
+
+MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::string& vdsId,
+                               const SubvolumeRange& range, const QString& projectPath, QWidget* parent)
+    : QDialog(parent), m_fast(fast), m_vdsId(vdsId), m_projectPath(projectPath)
+{
+    setWindowTitle(QStringLiteral("Mount a VDS with Bluware FAST\u2122"));
+    setWindowIcon(QIcon(QStringLiteral(":/light/bluware24.png")));
+
+    const QPixmap helpIcon = *iconHandler->getPixmap(QStringLiteral("help24"));
+    auto* grid = new QGridLayout(this);
+
+    m_fileNameLabel = new QLabel(QStringLiteral("Filename"), this);
+    grid->addWidget(m_fileNameLabel, 0, 0, Qt::AlignLeft);
+    grid->addWidget(new kvWidgets::HelpToolTip(
+                        helpIcon,
+                        QStringLiteral("The filename corresponds to the mounted volume. This name will be displayed in the "
+                           "Project Browser of the current project as well as in the FAST\u2122 local virtual "
+                           "drive."),
+                        this),
+                    0, 1, Qt::AlignRight);
+    m_fileNameEdit = new QLineEdit(this);
+    grid->addWidget(m_fileNameEdit, 1, 0, 1, 2);
+
+    grid->addWidget(new QLabel(QStringLiteral("Zone of Interest"), this), 2, 0, Qt::AlignLeft);
+    grid->addWidget(new kvWidgets::HelpToolTip(
+                        helpIcon, QStringLiteral("Leave the fields below unchanged to mount the whole volume."), this),
+                    2, 1, Qt::AlignRight);
+
+    m_inline = addAxisRow(QStringLiteral("In-line"), 3);
+    m_crossline = addAxisRow(QStringLiteral("X-line"), 6);
+    m_z = addAxisRow(QStringLiteral("Z"), 9);
+
+    m_cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
+    m_saveButton = new QPushButton(QStringLiteral("Save"), this);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(m_cancelButton);
+    buttons->addWidget(m_saveButton);
+    grid->addLayout(buttons, 14, 1, Qt::AlignRight);
+
+    connect(m_fileNameEdit, &QLineEdit::textEdited, this, &MountNewVolume::onFileNameEdited);
+    connect(m_saveButton, &QPushButton::clicked, this, &MountNewVolume::onSave);
+    connect(m_cancelButton, &QPushButton::clicked, this, &MountNewVolume::reject);
+
+    applyRange(range);
+    m_fileNameEdit->setFocus();
+}
+
+MountNewVolume::~MountNewVolume() = default;
+
+void MountNewVolume::reject()
+{
+    if (!m_mounting)
+        QDialog::reject();
+}
+
+MountNewVolume::AxisRow MountNewVolume::addAxisRow(const QString& title, int firstRow)
+{
+    auto* grid = static_cast<QGridLayout*>(layout());
+    AxisRow row;
+    row.slider = new kvWidgets::DoubleSlider(this);
+    row.slider->setSingleStep(1);
+    row.slider->setMinimum(0);
+    row.slider->setMaximum(kWholeAxisMaximum);
+    row.slider->setLowerValue(0);
+    row.slider->setUpperValue(kWholeAxisMaximum);
+    row.lower = new QSpinBox(this);
+    row.upper = new QSpinBox(this);
+    for (QSpinBox* spin : {row.lower, row.upper}) {
+        spin->setFixedHeight(20);
+        spin->setRange(0, kWholeAxisMaximum);
+    }
+    row.lower->setValue(0);
+    row.upper->setValue(kWholeAxisMaximum);
+
+    grid->addWidget(new QLabel(title, this), firstRow, 0, 1, 2, Qt::AlignLeft);
+    grid->addWidget(row.lower, firstRow + 1, 0, Qt::AlignLeft);
+    grid->addWidget(row.upper, firstRow + 1, 1, Qt::AlignRight);
+    grid->addWidget(row.slider, firstRow + 2, 0, 1, 2);
+
+    // Each side settles the other without echo: neither widget signals a value it already holds.
+    connect(row.slider, &kvWidgets::DoubleSlider::lowerValueChanged, row.lower, &QSpinBox::setValue);
+    connect(row.slider, &kvWidgets::DoubleSlider::upperValueChanged, row.upper, &QSpinBox::setValue);
+    connect(row.lower, qOverload<int>(&QSpinBox::valueChanged), row.slider, &kvWidgets::DoubleSlider::setLowerValue);
+    connect(row.upper, qOverload<int>(&QSpinBox::valueChanged), row.slider, &kvWidgets::DoubleSlider::setUpperValue);
+    return row;
+}
+
+void MountNewVolume::applyRange(const SubvolumeRange& range)
+{
+    const auto setMinimum = [](const AxisRow& row, int minimum) {
+        row.slider->setMinimum(minimum);
+        row.slider->setLowerValue(minimum);
+        row.lower->setMinimum(minimum);
+        row.upper->setMinimum(minimum);
+    };
+    const auto setMaximum = [](const AxisRow& row, int maximum) {
+        row.slider->setMaximum(maximum);
+        row.slider->setUpperValue(maximum);
+        row.lower->setMaximum(maximum);
+        row.upper->setMaximum(maximum);
+    };
+
+    if (!range.dim0Min.empty())
+        setMinimum(m_inline, toInt(range.dim0Min));
+    if (!range.dim0Max.empty())
+        setMaximum(m_inline, toInt(range.dim0Max));
+    if (!range.dim1Min.empty())
+        setMinimum(m_crossline, toInt(range.dim1Min));
+    if (!range.dim1Max.empty())
+        setMaximum(m_crossline, toInt(range.dim1Max));
+    // Only whole samples inside the volume can be mounted.
+    if (!range.dim2Min.empty())
+        setMinimum(m_z, toWholeDepth(std::ceil(std::stod(range.dim2Min))));
+    if (!range.dim2Max.empty())
+        setMaximum(m_z, toWholeDepth(std::floor(std::stod(range.dim2Max))));
+}
+
+void MountNewVolume::onFileNameEdited()
+{
+    m_fileNameLabel->setText(QStringLiteral("Filename"));
+    m_fileNameLabel->setStyleSheet(
+        QStringLiteral("QLabel { color : %1; }").arg(QApplication::palette().color(QPalette::Text).name()));
+}
+
+void MountNewVolume::onSave()
+{
+    const QString name = m_fileNameEdit->text();
+    if (name.isEmpty()) {
+        m_fileNameLabel->setText(QStringLiteral("Filename"));
+        m_fileNameLabel->setStyleSheet(kRedLabel);
+        return;
+    }
+    // FAST would refuse a name its drive already holds; asking first keeps the user here to
+    // choose another.
+    if (fileExistsInVirtualDrive(name)) {
+        m_fileNameLabel->setText(QStringLiteral("File already exists"));
+        m_fileNameLabel->setStyleSheet(kRedLabel);
+        return;
+    }
+
+    const QFileInfo link(m_projectPath + QDir::separator() + name + QStringLiteral(".kv"));
+    // FAST takes the Z pair first and the In-line pair last, the reverse of the description
+    // that set the rows' defaults; mounts made so far depend on this order, so it stays.
+    const auto response = m_fast->mountFile(
+        m_vdsId, name.toUtf8().toStdString(), m_projectPath.toUtf8().toStdString(), m_z.slider->lowerValue(),
+        m_z.slider->upperValue(), m_crossline.slider->lowerValue(), m_crossline.slider->upperValue(),
+        m_inline.slider->lowerValue(), m_inline.slider->upperValue());
+    const int status = response->getResponse();
+    const QString body = QString::fromStdString(response->getMessage());
+    if (status != 200) {
+        showMountError(link.completeBaseName(), status, body);
+        MDEventBus::sendMessage(
+            1, QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : %1 : %2")
+                   .arg(QString::number(status), body),
+            false);
+        done(0);
+        return;
+    }
+
+    m_mounting = true;
+    m_saveButton->setEnabled(false);
+    m_cancelButton->setEnabled(false);
+
+    // FAST writes the link a while after answering, so the rename waits for it off this thread.
+    const QString source = link.absoluteFilePath();
+    const QString target = link.absolutePath() + QDir::separator() + link.completeBaseName();
+    const auto renamed = std::make_shared<bool>(false);
+    QThread* renamer = QThread::create([source, target, renamed] {
+        for (int attempt = 0; attempt < kRenameAttempts; ++attempt) {
+            if (QFile::rename(source, target)) {
+                *renamed = true;
+                return;
+            }
+            QThread::msleep(kRenameRetryMs);
+        }
+    });
+    const std::string fileId = response->getMessage();
+    const QString fileName = link.completeBaseName();
+    connect(
+        renamer, &QThread::finished, this,
+        [this, renamed, fileId, fileName] { onRenameFinished(*renamed, fileId, fileName); }, Qt::QueuedConnection);
+    connect(renamer, &QThread::finished, renamer, &QObject::deleteLater);
+    renamer->start(QThread::InheritPriority);
+}
+
+void MountNewVolume::onRenameFinished(bool renamed, const std::string& fileId, const QString& fileName)
+{
+    m_mounting = false;
+    if (renamed) {
+        Q_EMIT vdsMounted(m_vdsId, fileId, fileName.toUtf8().toStdString());
+        done(1);
+        return;
+    }
+    // Without its link the host cannot open the file, so FAST should not keep it either.
+    m_fast->deleteFile(fileId);
+    showMountError(fileName, 200, QString::fromStdString(fileId));
+    MDEventBus::sendMessage(
+        1, QStringLiteral("Bluware FAST\u2122 error : impossible to rename remote file %1.kv").arg(fileName), false);
+    done(0);
+}
+
+void MountNewVolume::showMountError(const QString& fileName, int status, const QString& body)
+{
+    QMessageBox::warning(this, mountErrorTitle(),
+                         QStringLiteral("Impossible to mount VDS file : %1\nRequest response :\n %2 : %3")
+                             .arg(fileName, QString::number(status), body));
+}
+
+} // namespace fast

@@ -1,0 +1,45 @@
+#include <fast/panel/PanelMessages.h>
+
+#include <korvane/MDEventBus.h>
+
+#include <Poco/Exception.h>
+
+#include <QMessageBox>
+
+namespace fast {
+
+void trace(const QString& text)
+{
+    MDEventBus::sendMessage(3, text, false);
+}
+
+void information(const QString& text)
+{
+    MDEventBus::sendMessage(4, text, false);
+}
+
+void error(const QString& text)
+{
+    MDEventBus::sendMessage(1, text, false);
+}
+
+void warn(QWidget* parent, const QString& title, const QString& text)
+{
+    QMessageBox::warning(parent, title, text, QMessageBox::Ok);
+}
+
+QString exceptionText(const std::exception& failure)
+{
+    if (const auto* poco = dynamic_cast<const Poco::Exception*>(&failure))
+        return QString::fromStdString(poco->displayText());
+    return QString::fromUtf8(failure.what());
+}
+
+void reportListingFailure(QWidget* parent, const std::exception& failure)
+{
+    const QString text = QString("Unable to parse JSON to get VDS list: %1").arg(exceptionText(failure));
+    error(text);
+    warn(parent, "Unable to list VDS", text);
+}
+
+} // namespace fast

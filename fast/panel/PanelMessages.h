@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+#include <exception>
+
+class QWidget;
+
+// How the pages tell the host's log and the user what happened: traces (kind 3), information
+// (kind 4) and errors (kind 1) on the event bus, and warning boxes with an OK button.
+namespace fast {
+
+void trace(const QString& text);
+void information(const QString& text);
+void error(const QString& text);
+void warn(QWidget* parent, const QString& title, const QString& text);
+
+// The exception's own words; POCO's what() gives only the exception's name.
+QString exceptionText(const std::exception& failure);
+
+// The listing of the VDS could not be read: logged as an error and shown to the user.
+void reportListingFailure(QWidget* parent, const std::exception& failure);
+
+} // namespace fast

@@ -1,0 +1,285 @@
+#include <fast/panel/VdsWidget.h>
+
+#include <fast/client/Fast.h>
+#include <fast/client/VdsDescriptorParser.h>
+#include <fast/panel/MountNewVolume.h>
+#include <fast/panel/PanelMessages.h>
+#include <fast/trees/FastSortFilterProxyModel.h>
+#include <fast/trees/VdsTreeDelegate.h>
+#include <fast/trees/VdsTreeModel.h>
+#include <fast/trees/VdsTreeView.h>
+
+#include <korvane/IconXPMHandler.h>
+#include <kvWidgets/HelpToolTip.h>
+#include <osdu/HttpResponse.h>
+
+#include <Poco/JSON/JSONException.h>
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace fast {
+
+namespace {
+
+const char* const kLocalHelp =
+    "Once FAST™ service is running, upload the local VDS volume:<br>&nbsp;- Click on <img "
+    "src=':/light/projectopen24.png' width=\"12\" height=\"12\"> Open VDS button</br><br>&nbsp;- Select the .vds "
+    "file and open it</br><br>&nbsp;- In the new dialog to mount a VDS, enter a file name</br><br>&nbsp;- Define a "
+    "zone of interest if needed then Save.";
+const char* const kCloudHelp =
+    "Once FAST™ service is running, upload the VDS volume from the cloud:<br>&nbsp;- Paste the URL of the "
+    "VDS</br><br>&nbsp;- Click on <img src=':/light/down_ko.png' width=\"12\" height=\"12\"> Mount VDS "
+    "button</br><br>&nbsp;- In the new dialog to mount a VDS, enter a file name</br><br>&nbsp;- Define a zone of "
+    "interest if needed then Save.";
+
+QString text(const std::string& utf8)
+{
+    return QString::fromStdString(utf8);
+}
+
+QString pathWithoutSlashes(const QString& url)
+{
+    return QUrl(url).path(QUrl::FullyDecoded).remove(QLatin1Char('/'));
+}
+
+} // namespace
+
+VdsWidget::VdsWidget(eWidgetType type, const std::shared_ptr<Fast>& fast, const QString& projectPath, QWidget* parent)
+    : FastWidget(fast, parent), m_type(type)
+{
+    auto* layout = new QGridLayout(this);
+    m_lineEdit = new QLineEdit(this);
+    m_actionButton = new QPushButton(QString(), this);
+    m_actionButton->setFixedSize(24, 24);
+    m_actionButton->setEnabled(false);
+
+    QString help;
+    if (type == LOCAL_FILE) {
+        m_lineEdit->setReadOnly(true);
+        m_actionButton->setIcon(QIcon(*iconHandler->getPixmap("projectopen24")));
+        m_actionButton->setToolTip("Open VDS");
+        connect(m_actionButton, &QPushButton::clicked, this, [this, projectPath] { onBrowseClicked(projectPath); });
+        help = QString::fromUtf8(kLocalHelp);
+    } else if (type == CLOUD_URL) {
+        m_actionButton->setIcon(QIcon(*iconHandler->getPixmap("down_ko")));
+        m_actionButton->setToolTip("Mount VDS");
+        connect(m_actionButton, &QPushButton::clicked, this, [this, projectPath] { onDownloadClicked(projectPath); });
+        help = QString::fromUtf8(kCloudHelp);
+    }
+
+    auto* tree = new VdsTreeView(this);
+    tree->setItemDelegate(new VdsTreeDelegate(tree->proxyModel(), tree));
+    auto* helpToolTip = new kvWidgets::HelpToolTip(*iconHandler->getPixmap("help24"), help, this);
+
+    layout->addWidget(m_lineEdit, 0, 0, 1, 2);
+    layout->addWidget(m_actionButton, 0, 2);
+    layout->addWidget(helpToolTip, 0, 3);
+    layout->addWidget(tree, 1, 0, 1, 4);
+
+    m_treeView = tree;
+    connectTreeView();
+    connect(tree, &FastTreeView::mountVds, this,
+            [this, projectPath](const VdsModel& vdsModel) { onMountVds(projectPath, vdsModel); });
+}
+
+void VdsWidget::init(const QSet<QString>& projectFiles)
+{
+    clear();
+    VdsTreeModel* model = vdsModel();
+    if (!model)
+        return;
+    try {
+        const auto files = m_fast->getFileList();
+        const auto volumes = m_fast->getVdsList();
+        for (const VdsInfo& info : parseVdsInfos(volumes->getMessage(), files->getMessage())) {
+            const QString name = displayName(info.url);
+            for (const QString& path : projectFiles) {
+                const QString projectFileName = QFileInfo(path).fileName();
+                const auto listed = [&name, model] {
+                    const QList<VdsModel> records = model->vdsList();
+                    return std::any_of(records.begin(), records.end(),
+                                       [&name](const VdsModel& record) { return record.name == name; });
+                };
+                const bool inProject = std::any_of(info.files.begin(), info.files.end(), [&](const VdsFile& file) {
+                    return text(file.fileName) == projectFileName;
+                });
+                if (inProject && !listed()) {
+                    model->addVds(VdsModel({}, name, {}, {}, info.vdsId, info.url, info.files));
+                    break;
+                }
+            }
+        }
+        m_treeView->refresh();
+    } catch (const Poco::JSON::JSONException& failure) {
+        trace(QString("FAST VDS init JSONException %1").arg(365));
+        reportListingFailure(this, failure);
+    } catch (const std::exception& failure) {
+        trace(QString("FAST VDS init exception %1").arg(372));
+        reportListingFailure(this, failure);
+    }
+}
+
+void VdsWidget::clear()
+{
+    m_treeView->clear();
+}
+
+void VdsWidget::setConnectedToFast(bool connected)
+{
+    FastWidget::setConnectedToFast(connected);
+    m_actionButton->setEnabled(connected);
+}
+
+void VdsWidget::onBrowseClicked(const QString& projectPath)
+{
+    if (!vdsModel())
+        return;
+    const QString path = QFileDialog::getOpenFileName(this, "Select VDS file", "C:", "*.vds");
+    if (path.isEmpty())
+        return;
+    onMountVds(projectPath, recordFor(path.toStdString(), QFileInfo(path).fileName()));
+}
+
+void VdsWidget::onDownloadClicked(const QString& projectPath)
+{
+    if (!vdsModel())
+        return;
+    const QString url = m_lineEdit->text();
+    if (url.isEmpty())
+        return;
+    onMountVds(projectPath, recordFor(url.toStdString(), pathWithoutSlashes(url)));
+}
+
+VdsModel VdsWidget::recordFor(const std::string& url, const QString& newName)
+{
+    VdsTreeModel* model = vdsModel();
+    for (const VdsModel& record : model->vdsList()) {
+        if (record.url == url)
+            return record;
+    }
+    m_lineEdit->setText(text(url));
+    const VdsModel record({}, newName, {}, {}, {}, url, {});
+    model->addVds(record);
+    m_treeView->refresh();
+    return record;
+}
+
+void VdsWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel)
+{
+    if (!this->vdsModel())
+        return;
+    std::string vdsId = vdsModel.vdsId;
+    try {
+        if (vdsId.empty())
+            vdsId = registeredId(vdsModel);
+        if (vdsId.empty())
+            return;
+        openMountDialog(projectPath, vdsModel, vdsId);
+    } catch (const Poco::JSON::JSONException& failure) {
+        trace(QString("FAST VDS onMountVds JSONException %1").arg(261));
+        abandonMount(vdsModel.url, vdsId, failure, true);
+    } catch (const std::exception& failure) {
+        trace(QString("FAST VDS onMountVds exception %1").arg(277));
+        abandonMount(vdsModel.url, vdsId, failure, false);
+    }
+}
+
+std::string VdsWidget::registeredId(const VdsModel& vdsModel)
+{
+    const QString url = text(vdsModel.url);
+    if (const std::optional<VdsInfo> known = m_fast->findVdsByUrl(vdsModel.url)) {
+        information(QString("Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2.")
+                        .arg(url, text(known->vdsId)));
+        storeId(vdsModel.url, known->vdsId);
+        return known->vdsId;
+    }
+
+    const auto response = m_fast->registerVds(vdsModel.url);
+    const int status = response->getResponse();
+    std::string vdsId;
+    if (status == 200 && !response->getMessage().empty()) {
+        vdsId = response->getMessage();
+        information(QString("Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.").arg(url, text(vdsId)));
+    } else if (status == 200) {
+        information(QString("Unable to register VDS (url=%1) in Bluware FAST™ with empty id!").arg(url));
+    } else if (status == 405) {
+        // The service answers 405 to parameters it cannot take.
+        information(QString("Unable to register VDS (url=%1) in Bluware FAST™: invalid parameters.").arg(url));
+    } else if (status == 409) {
+        information(QString("VDS (url=%1) already registered in Bluware FAST™.").arg(url));
+    } else {
+        information(QString("Unable to register VDS (url=%1) in Bluware FAST™. Unexpected error code: %2.")
+                        .arg(url, QString::number(status)));
+    }
+
+    if (vdsId.empty()) {
+        warn(this, "Unable to register VDS",
+             "Korvane™ was unable to register VDS in Bluware FAST™.\nPlease refer to Bluware FAST™ log files to get "
+             "more information.");
+        return {};
+    }
+    storeId(vdsModel.url, vdsId);
+    return vdsId;
+}
+
+void VdsWidget::storeId(const std::string& url, const std::string& vdsId)
+{
+    vdsModel()->setVdsIdForUrl(url, vdsId);
+}
+
+void VdsWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId)
+{
+    const SubvolumeRange range = m_fast->getPluginDescription("Korvane", vdsId);
+    auto* dialog = new MountNewVolume(m_fast, vdsId, range, projectPath, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &MountNewVolume::vdsMounted, this, &VdsWidget::onVdsMounted);
+    // A first mount that was cancelled leaves nothing registered behind.
+    connect(dialog, &QDialog::finished, this, [this, vdsModel, vdsId](int result) {
+        if (result == 0 && vdsModel.files.empty())
+            onUnmountVds(vdsId, {});
+    });
+    dialog->setModal(true);
+    dialog->show();
+}
+
+void VdsWidget::abandonMount(const std::string& url, const std::string& vdsId, const std::exception& failure,
+                             bool badJson)
+{
+    m_fast->unmountVds(vdsId, {});
+    vdsModel()->removeVdsRecord(vdsId);
+    m_treeView->refresh();
+    const QString reason = badJson ? "Exception occurred while parsing JSON to get volume data from VDS"
+                                   : "Exception occurred";
+    error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. %3: %4")
+              .arg(text(url), text(vdsId), reason, exceptionText(failure)));
+    warn(this, "Unable to mount VDS",
+         "Korvane™ was unable to mount VDS in Bluware FAST™.\nPlease refer to Bluware FAST™ and Korvane™ log files "
+         "to get more information.");
+}
+
+void VdsWidget::onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName)
+{
+    if (VdsTreeModel* model = vdsModel())
+        model->addFile(vdsId, fileId, fileName);
+    Q_EMIT addToExtraDataManager(text(fileName), static_cast<eVdsLocation>(m_type + 2));
+    m_treeView->refresh();
+}
+
+VdsTreeModel* VdsWidget::vdsModel() const
+{
+    return qobject_cast<VdsTreeModel*>(m_treeView->sourceModel());
+}
+
+QString VdsWidget::displayName(const std::string& url) const
+{
+    return m_type == CLOUD_URL ? pathWithoutSlashes(text(url)) : QFileInfo(text(url)).baseName();
+}
+
+} // namespace fast
