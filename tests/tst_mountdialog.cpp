@@ -1,0 +1,242 @@
+// The mount dialog as the user drives it, against the emulator: what it shows, what goes over
+// the wire, the link it renames and how each ending is reported.
+
+#include "EventBusRecorder.h"
+#include "FastEmulatorFixture.h"
+#include "MessageBoxAnswerer.h"
+
+#include <fast/fast.h>
+#include <fast/panel/MountNewVolume.h>
+#include <kvWidgets/DoubleSlider.h>
+#include <kvWidgets/HelpToolTip.h>
+
+#include <QtTest>
+#include <QtWidgets>
+
+Q_DECLARE_METATYPE(fast::SubvolumeRange)
+
+namespace {
+
+const fast::SubvolumeRange kVolume{"10", "1199", "20", "899", "0.5", "99.5"};
+const QString kMountError = QStringLiteral("Bluware FAST\u2122 mount error");
+
+QWidget* at(const QDialog& dialog, int row, int column)
+{
+    QLayoutItem* item = static_cast<QGridLayout*>(dialog.layout())->itemAtPosition(row, column);
+    return item ? item->widget() : nullptr;
+}
+
+// Cancel and Save, in the order they sit in the box at the bottom right.
+QPushButton* button(const QDialog& dialog, int index)
+{
+    auto* box = static_cast<QGridLayout*>(dialog.layout())->itemAtPosition(14, 1)->layout();
+    return qobject_cast<QPushButton*>(box->itemAt(index)->widget());
+}
+
+// "min..max [lower,upper] spins min..max [lower,upper]" of the axis whose label sits on row.
+QString axisState(const QDialog& dialog, int row)
+{
+    auto* lower = qobject_cast<QSpinBox*>(at(dialog, row + 1, 0));
+    auto* upper = qobject_cast<QSpinBox*>(at(dialog, row + 1, 1));
+    auto* slider = qobject_cast<kvWidgets::DoubleSlider*>(at(dialog, row + 2, 0));
+    return QString("%1..%2 [%3,%4] spins %5..%6 [%7,%8]")
+        .arg(slider->minimum()).arg(slider->maximum()).arg(slider->lowerValue()).arg(slider->upperValue())
+        .arg(lower->minimum()).arg(upper->maximum()).arg(lower->value()).arg(upper->value());
+}
+
+QStringList wire(FastEmulatorFixture& fixture)
+{
+    QStringList lines;
+    for (const auto& logged : fixture.emulator().requests())
+        lines << QString::fromStdString(logged.method + ' ' + logged.target);
+    return lines;
+}
+
+// The dialog of a registered volume, shown as the page shows it.
+struct MountSession
+{
+    explicit MountSession(FastEmulatorFixture& fixture, const QString& projectDir = {})
+        : vdsId(fixture.client()->registerVds("/data/a.vds")->getMessage()),
+          dialog(fixture.client(), vdsId, kVolume, projectDir.isEmpty() ? fixture.projectDir() : projectDir),
+          finished(&dialog, &QDialog::finished), mounted(&dialog, &fast::MountNewVolume::vdsMounted)
+    {
+        fixture.emulator().clearRequests();
+        dialog.show();
+    }
+    void save(const QString& name)
+    {
+        dialog.findChild<QLineEdit*>()->setText(name);
+        button(dialog, 1)->click();
+    }
+    std::string vdsId;
+    fast::MountNewVolume dialog;
+    QSignalSpy finished;
+    QSignalSpy mounted;
+};
+
+QString labelState(const QDialog& dialog)
+{
+    auto* label = qobject_cast<QLabel*>(at(dialog, 0, 0));
+    return label->text() + ' ' + label->styleSheet();
+}
+
+} // namespace
+
+class MountDialogTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { qRegisterMetaType<std::string>(); }
+
+    void layoutPutsTheNameFirstAndTheButtonsLast()
+    {
+        FastEmulatorFixture fixture;
+        fast::MountNewVolume dialog(fixture.client(), "1", {}, fixture.projectDir());
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Mount a VDS with Bluware FAST\u2122"));
+        QVERIFY(!dialog.windowIcon().isNull());
+        const auto text = [&dialog](int row) { return qobject_cast<QLabel*>(at(dialog, row, 0))->text(); };
+        QCOMPARE(QStringList({text(0), text(2), text(3), text(6), text(9)}),
+                 QStringList({"Filename", "Zone of Interest", "In-line", "X-line", "Z"}));
+        QVERIFY(qobject_cast<kvWidgets::HelpToolTip*>(at(dialog, 0, 1))->text().startsWith("The filename corresponds"));
+        QCOMPARE(qobject_cast<kvWidgets::HelpToolTip*>(at(dialog, 2, 1))->text(),
+                 "Leave the fields below unchanged to mount the whole volume.");
+        QTRY_COMPARE(QApplication::focusWidget(), at(dialog, 1, 0));
+        QCOMPARE(button(dialog, 0)->text() + ' ' + button(dialog, 1)->text(), "Cancel Save");
+    }
+
+    void rowsStartOnTheWholeVolume_data()
+    {
+        QTest::addColumn<fast::SubvolumeRange>("range");
+        QTest::addColumn<QStringList>("rows");
+        const QString whole = "0..1000000 [0,1000000] spins 0..1000000 [0,1000000]";
+        QTest::newRow("no description values") << fast::SubvolumeRange{} << QStringList({whole, whole, whole});
+        // Z keeps only the whole samples inside its bounds.
+        QTest::newRow("description values") << kVolume
+                                             << QStringList({"10..1199 [10,1199] spins 10..1199 [10,1199]",
+                                                             "20..899 [20,899] spins 20..899 [20,899]",
+                                                             "1..99 [1,99] spins 1..99 [1,99]"});
+    }
+
+    void rowsStartOnTheWholeVolume()
+    {
+        QFETCH(fast::SubvolumeRange, range);
+        QFETCH(QStringList, rows);
+        FastEmulatorFixture fixture;
+        fast::MountNewVolume dialog(fixture.client(), "1", range, fixture.projectDir());
+        QCOMPARE(QStringList({axisState(dialog, 3), axisState(dialog, 6), axisState(dialog, 9)}), rows);
+    }
+
+    void nonNumericBoundThrows()
+    {
+        FastEmulatorFixture fixture;
+        QVERIFY_EXCEPTION_THROWN(fast::MountNewVolume(fixture.client(), "1", {"", "", "x", "", "", ""}, "p"),
+                                 std::invalid_argument);
+        QVERIFY_EXCEPTION_THROWN(fast::MountNewVolume(fixture.client(), "1", {"", "", "", "", "", "deep"}, "p"),
+                                 std::invalid_argument);
+    }
+
+    void sliderAndSpinBoxesFollowEachOther()
+    {
+        FastEmulatorFixture fixture;
+        fast::MountNewVolume dialog(fixture.client(), "1", kVolume, fixture.projectDir());
+        qobject_cast<kvWidgets::DoubleSlider*>(at(dialog, 8, 0))->setLowerValue(300);
+        qobject_cast<QSpinBox*>(at(dialog, 7, 1))->setValue(700);
+        QCOMPARE(axisState(dialog, 6), "20..899 [300,700] spins 20..899 [300,700]");
+    }
+
+    void emptyOrTakenNameStaysInTheDialog()
+    {
+        FastEmulatorFixture fixture;
+        fixture.settings().set("FAST", "FAST_MOUNT_POINT", fixture.driveDir());
+        QFile taken(fixture.driveDir() + "/cube.kv");
+        QVERIFY(taken.open(QIODevice::WriteOnly));
+        MountSession session(fixture);
+
+        session.save("");
+        QCOMPARE(labelState(session.dialog), "Filename QLabel { color : red; }");
+        session.save("cube");
+        QCOMPARE(labelState(session.dialog), "File already exists QLabel { color : red; }");
+        QVERIFY(session.dialog.isVisible());
+        QCOMPARE(wire(fixture), QStringList());
+
+        QTest::keyClick(session.dialog.findChild<QLineEdit*>(), Qt::Key_2);
+        QCOMPARE(labelState(session.dialog),
+                 "Filename QLabel { color : " + QApplication::palette().color(QPalette::Text).name() + "; }");
+    }
+
+    void mountSendsZFirstAndRenamesTheLink()
+    {
+        FastEmulatorFixture fixture;
+        MountSession session(fixture);
+        qobject_cast<QSpinBox*>(at(session.dialog, 4, 0))->setValue(100);
+        session.save("cube");
+
+        QTRY_COMPARE(session.finished.count(), 1);
+        QCOMPARE(session.finished.at(0).at(0).toInt(), 1);
+        QCOMPARE(session.mounted.count(), 1);
+        const QVariantList mounted = session.mounted.at(0);
+        QCOMPARE(QString::fromStdString(mounted.at(0).value<std::string>() + ' ' + mounted.at(1).value<std::string>()
+                                        + ' ' + mounted.at(2).value<std::string>()),
+                 QString::fromStdString(session.vdsId + ' ' + fixture.emulator().service().files().at(0).id + " cube"));
+        QVERIFY(QFileInfo::exists(fixture.projectDir() + "/cube"));
+        QVERIFY(!QFileInfo::exists(fixture.projectDir() + "/cube.kv"));
+
+        QCOMPARE(wire(fixture), QStringList("POST /api/v2/file/"));
+        const QString body = QString::fromStdString(fixture.emulator().requests().at(0).body);
+        const QString linkPath = R"("link_path":")" + fixture.projectDir() + '"';
+        // The Z row goes out first and the In-line row, moved to 100, last.
+        const QString subvolume = R"("subvolume":{"dim0":{"max":99,"min":1},"dim1":{"max":899,"min":20},)"
+                                  R"("dim2":{"max":1199,"min":100}})";
+        QVERIFY2(body.contains(linkPath) && body.contains(subvolume), qPrintable(body));
+    }
+
+    void refusedMountIsReported()
+    {
+        FastEmulatorFixture fixture;
+        fixture.emulator().setFault("POST", "/api/v2/file/", {500, 0, std::string("disk full")});
+        MountSession session(fixture);
+        MessageBoxAnswerer boxes;
+        EventBusRecorder bus;
+        session.save("cube");
+
+        QCOMPARE(session.finished.count(), 1);
+        QCOMPARE(session.finished.at(0).at(0).toInt(), 0);
+        QCOMPARE(session.mounted.count(), 0);
+        QCOMPARE(boxes.summaries(),
+                 QStringList(kMountError + ": Impossible to mount VDS file : cube\nRequest response :\n 500 : disk full"));
+        QCOMPARE(bus.texts(1),
+                 QStringList(QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : 500 : disk full")));
+    }
+
+    void linkNeverWrittenUnmountsTheNewFile()
+    {
+        FastEmulatorFixture fixture;
+        // FAST writes no link into a folder that does not exist, so the rename runs out of time.
+        MountSession session(fixture, fixture.projectDir() + "/missing");
+        MessageBoxAnswerer boxes;
+        EventBusRecorder bus;
+        session.save("cube");
+        // Closing now would tell the page that nothing was mounted while FAST holds the new file.
+        session.dialog.reject();
+        QVERIFY(session.dialog.isVisible());
+        QVERIFY(!button(session.dialog, 1)->isEnabled());
+
+        QTRY_COMPARE_WITH_TIMEOUT(session.finished.count(), 1, 15000);
+        QCOMPARE(session.finished.at(0).at(0).toInt(), 0);
+        QCOMPARE(session.mounted.count(), 0);
+        const QString fileId = wire(fixture).value(1).section('/', -1);
+        QCOMPARE(wire(fixture), QStringList({"POST /api/v2/file/", "DELETE /api/v2/file/" + fileId}));
+        QVERIFY(fixture.emulator().service().files().empty());
+        QCOMPARE(boxes.summaries(),
+                 QStringList(kMountError + ": Impossible to mount VDS file : cube\nRequest response :\n 200 : " + fileId));
+        QCOMPARE(bus.texts(1),
+                 QStringList(QStringLiteral("Bluware FAST\u2122 error : impossible to rename remote file cube.kv")));
+    }
+};
+
+QTEST_MAIN(MountDialogTest)
+#include "tst_mountdialog.moc"

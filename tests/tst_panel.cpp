@@ -1,0 +1,147 @@
+// The panel as the host sees it: the status line and fastConnected as FAST comes and goes,
+// the routing of fillTrees, the project-folder watcher and an early destruction.
+
+#include "FastEmulatorFixture.h"
+
+#include <fast/client/Fast.h>
+#include <fast/panel/FastTabWidget.h>
+#include <fast/panel/VdsWidget.h>
+#include <fast/trees/FastTreeModel.h>
+#include <fast/trees/FastTreeView.h>
+#include <osdu/HttpResponse.h>
+
+#include <QDir>
+#include <QLabel>
+#include <QTabWidget>
+#include <QtTest>
+
+namespace {
+
+constexpr int kPoll = 7000; // one polling period and the requests
+
+QString status(const fast::FastTabWidget& panel)
+{
+    return panel.findChildren<QLabel*>().first()->text();
+}
+
+int threadCount()
+{
+    return QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+}
+
+} // namespace
+
+class PanelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void statusFollowsTheServiceAndConnectedIsSentOnChange();
+    void fillTreesRoutesProjectFilesToTheVdsPages();
+    void tabsAndIcons();
+    void aFileInTheProjectFolderAsksForABrowserUpdate();
+    void destroyingThePanelEndsItsWorker();
+};
+
+void PanelTest::statusFollowsTheServiceAndConnectedIsSentOnChange()
+{
+    emulator::EmulatorOptions options;
+    options.version = "3.1";
+    options.pluginInstalled = false;
+    FastEmulatorFixture fixture(options);
+    fixture.settings().set("FAST", "FAST_HOST", "127.0.0.1");
+    fast::FastTabWidget panel(fixture.projectDir());
+    QSignalSpy connected(&panel, &fast::FastTabWidget::fastConnected);
+    QCOMPARE(status(panel), "Checking connection to Bluware FAST™...");
+
+    QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Connected to Bluware FAST™ 3.1 but Korvane plugin is not available", kPoll);
+    QVERIFY(connected.isEmpty()); // still false, as from the start
+
+    fixture.emulator().service().setPluginInstalled(true);
+    QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Connected to Bluware FAST™ 3.1", kPoll);
+    QCOMPARE(connected.size(), 1);
+    QCOMPARE(connected.first().first().toBool(), true);
+    auto* localPage = panel.findChildren<fast::VdsWidget*>().first();
+    QVERIFY(localPage->treeView()->isEnabled());
+
+    fixture.emulator().stop();
+    QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Not connected to Bluware FAST™", kPoll);
+    QCOMPARE(connected.size(), 2);
+    QCOMPARE(connected.last().first().toBool(), false);
+    QVERIFY(!localPage->treeView()->isEnabled());
+}
+
+void PanelTest::fillTreesRoutesProjectFilesToTheVdsPages()
+{
+    FastEmulatorFixture fixture;
+    fixture.settings().set("FAST", "FAST_HOST", "127.0.0.1");
+    auto client = fixture.client();
+    client->mountFile(client->registerVds("/data/local.vds")->getMessage(), "l1", "", 0, 1, 0, 1, 0, 1);
+    client->mountFile(client->registerVds("https://store.example/cloud")->getMessage(), "c1", "", 0, 1, 0, 1, 0, 1);
+
+    fast::FastTabWidget panel(fixture.projectDir());
+    panel.fillTrees({"/project/l1"}, {"/project/c1"});
+    const QList<fast::FastWidget*> pages = panel.findChildren<fast::FastWidget*>();
+    QCOMPARE(pages.size(), 3);
+    const auto names = [](fast::FastWidget* page) {
+        QStringList result;
+        for (const fast::VdsModel& record : page->treeView()->model()->vdsList())
+            result << record.name;
+        return result;
+    };
+    auto* tabs = panel.findChild<QTabWidget*>();
+    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(1))), QStringList{"local"});
+    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(2))), QStringList{"cloud"});
+    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(0))), QStringList{});
+
+    panel.clearTrees();
+    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(1))), QStringList{});
+}
+
+void PanelTest::tabsAndIcons()
+{
+    TestSettings settings;
+    QTemporaryDir project;
+    fast::FastTabWidget panel(project.path());
+    auto* tabs = panel.findChild<QTabWidget*>();
+    QCOMPARE(tabs->count(), 3);
+    QCOMPARE(tabs->tabText(0), "OSDU™ Data Platform browser");
+    QCOMPARE(tabs->tabText(1), "Local VDS file");
+    QCOMPARE(tabs->tabText(2), "Cloud VDS file");
+
+    QPixmap red(8, 8);
+    red.fill(Qt::red);
+    panel.setTabIcons({red, red});
+    QVERIFY(!tabs->tabIcon(1).isNull());
+    QVERIFY(tabs->tabIcon(2).isNull());
+    panel.setTabIcons({red, red, red, red});
+    QVERIFY(!tabs->tabIcon(2).isNull());
+}
+
+void PanelTest::aFileInTheProjectFolderAsksForABrowserUpdate()
+{
+    TestSettings settings;
+    QTemporaryDir project;
+    fast::FastTabWidget panel(project.path());
+    QSignalSpy update(&panel, &fast::FastTabWidget::updateProjectBrowser);
+    QFile file(project.filePath("new.kv"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    QTRY_VERIFY(!update.isEmpty());
+}
+
+void PanelTest::destroyingThePanelEndsItsWorker()
+{
+    FastEmulatorFixture fixture;
+    fixture.settings().set("FAST", "FAST_HOST", "127.0.0.1");
+    auto* panel = new fast::FastTabWidget(fixture.projectDir());
+    QTRY_COMPARE_WITH_TIMEOUT(status(*panel), "Connected to Bluware FAST™ 2.0.0", kPoll);
+    const int polling = threadCount();
+
+    // The worker is asleep now: destruction returns at once and the thread ends on its own.
+    delete panel;
+    QTRY_VERIFY_WITH_TIMEOUT(threadCount() < polling, kPoll);
+}
+
+QTEST_MAIN(PanelTest)
+#include "tst_panel.moc"
