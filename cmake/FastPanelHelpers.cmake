@@ -5,7 +5,8 @@ set(FASTPANEL_GENERATED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
 # Warnings on for our own code; a warning is a bug to fix, not to silence.
 function(fastpanel_warnings target)
   if(MSVC)
-    target_compile_options(${target} PRIVATE /W4 /permissive-)
+    # Sources are UTF-8 (the user-facing texts carry "™").
+    target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8)
   else()
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
   endif()
