@@ -4,10 +4,14 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+
+#include <memory>
 
 fast::MountNewVolume* openMountDialog(QWidget* page)
 {
@@ -33,17 +37,32 @@ void answerMountDialog(QWidget* page, const QString& name, const QString& button
 
 void answerNextFileDialog(const QString& path)
 {
+    // Polls until the dialog has come and gone. The dialog resolves the name against its folder;
+    // should it still complain in a box of its own, the box is closed and the answer given again.
     auto* poll = new QTimer(qApp);
-    QObject::connect(poll, &QTimer::timeout, poll, [poll, path] {
+    auto seen = std::make_shared<bool>(false);
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, path, seen] {
+        QFileDialog* open = nullptr;
         for (QWidget* widget : QApplication::topLevelWidgets()) {
-            auto* dialog = qobject_cast<QFileDialog*>(widget);
-            if (dialog && dialog->isVisible()) {
-                dialog->selectFile(path);
-                static_cast<QDialog*>(dialog)->accept(); // public as a QDialog
-                poll->deleteLater();
+            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()
+                && qobject_cast<QFileDialog*>(box->parentWidget())) {
+                box->close();
                 return;
             }
+            if (auto* dialog = qobject_cast<QFileDialog*>(widget); dialog && dialog->isVisible())
+                open = dialog;
         }
+        if (!open) {
+            if (*seen)
+                poll->deleteLater();
+            return;
+        }
+        *seen = true;
+        const QFileInfo file(path);
+        open->setDirectory(file.absolutePath());
+        open->selectFile(file.fileName());
+        // Queued: accept() may open a box of its own, which this poll must be free to close.
+        QMetaObject::invokeMethod(open, "accept", Qt::QueuedConnection);
     });
     poll->start(10);
 }

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <functional>
+
+class DemoWindow;
+
+struct TourOptions
+{
+    // The window once a volume is mounted.
+    QString screenshotFile;
+    // Numbered pictures of every step; the tour then also unmounts the volume.
+    QString tourDir;
+    // The .vds to mount; a made-up one when empty.
+    QString samplePath;
+};
+
+// Drives the panel as a user would, without a person: waits for FAST, registers and mounts one
+// local volume (answering the mount dialog), optionally unmounts it, and takes pictures on the
+// way. It checks what the host must see at each step and fails with a readable reason.
+class ScriptedTour : public QObject
+{
+    Q_OBJECT
+
+public:
+    ScriptedTour(DemoWindow* window, TourOptions options, QObject* parent = nullptr);
+
+    void start();
+
+Q_SIGNALS:
+    void finished(int exitCode);
+
+private:
+    void waitUntil(const std::function<bool()>& done, int timeoutMs, const QString& what,
+                   const std::function<void()>& next);
+    // Lets layouts and paints catch up before a picture.
+    void settleThen(const std::function<void()>& next);
+    void afterConnectionCheck();
+    void mount();
+    void save();
+    void afterMount();
+    void unmount();
+    void afterUnmount();
+    void succeed();
+    void fail(const QString& reason);
+
+    bool shoot(const QString& file);
+    bool shootStep(const QString& name);
+    void answerMessageBoxes();
+    static void say(const QString& text);
+
+    DemoWindow* m_window;
+    TourOptions m_options;
+    QTemporaryDir m_sampleDir;
+    QString m_sample;
+    QString m_mountedName;
+    QString m_removedName;
+    QStringList m_messageBoxes;
+    QTimer m_boxWatch;
+    bool m_done = false;
+};
