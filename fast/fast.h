@@ -9,8 +9,12 @@
 #include <fast/client/VdsDescriptors.h>
 #include <fast/client/VirtualDrive.h>
 #include <fast/client/VdsMetaTypes.h>
+#include <fast/osdu/FileCollectionSearch.h>
+#include <fast/osdu/OsduFastInitializer.h>
+#include <fast/osdu/OsduSettingsKeys.h>
 #include <fast/osdu/OsduTreeItem.h>
 #include <fast/osdu/OsduTreeModel.h>
+#include <fast/osdu/SearchInput.h>
 #include <fast/panel/CheckConnectionToFastWorker.h>
 #include <fast/panel/FastTabWidget.h>
 #include <fast/panel/FastWidget.h>

@@ -1,22 +1,259 @@
 #include <fast/panel/OsduWidget.h>
 
+#include <fast/client/Fast.h>
+#include <fast/client/VdsDescriptorParser.h>
+#include <fast/client/VirtualDrive.h>
+#include <fast/osdu/OsduFastInitializer.h>
+#include <fast/osdu/OsduTreeModel.h>
+#include <fast/osdu/SearchInput.h>
+#include <fast/panel/MountNewVolume.h>
+#include <fast/panel/PanelMessages.h>
+#include <fast/panel/VdsRegistration.h>
 #include <fast/trees/FastSortFilterProxyModel.h>
 #include <fast/trees/OsduTreeDelegate.h>
 #include <fast/trees/OsduTreeView.h>
 
-#include <QVBoxLayout>
+#include <korvane/IconXPMHandler.h>
+#include <kvWidgets/HelpToolTip.h>
+#include <osdu/FileCollection.h>
+#include <osdu/OsduAuthProvider.h>
+#include <osdu/HttpResponse.h>
+
+#include <Poco/JSON/JSONException.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
 
 namespace fast {
+
+namespace {
+
+const char* const kProviderHelp =
+    "Cloud provider and OSDU™ Data Platform settings are defined in Tools>Settings>OSDU™ Data Platform/FAST™ "
+    "pane.<br>Once these settings are defined, select a cloud provider and click on « Connect » to initialize the "
+    "connection to OSDU™ Data Platform.</br>";
+const char* const kSearchHelp =
+    "When connected, search for VDS volumes.<br>Search with an empty filter to discover all VDS "
+    "volumes.</br><br>Narrow your search by defining a filter applied on the following fields:</br><br>&nbsp;- "
+    "Name</br><br>&nbsp;- Description</br><br>&nbsp;- ID</br>";
+
+QString text(const std::string& utf8)
+{
+    return QString::fromStdString(utf8);
+}
+
+QString local8Bit(const std::string& bytes)
+{
+    return QString::fromLocal8Bit(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+} // namespace
 
 OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& projectPath, QWidget* parent)
     : FastWidget(fast, parent), m_projectPath(projectPath)
 {
-    auto* layout = new QVBoxLayout(this);
-    auto* tree = new OsduTreeView(this);
-    tree->setItemDelegate(new OsduTreeDelegate(tree->proxyModel(), tree));
-    layout->addWidget(tree);
-    m_treeView = tree;
+    qRegisterMetaType<std::shared_ptr<osdu::StorageRecordCollection>>("std::shared_ptr<osdu::StorageRecordCollection>");
+
+    m_osduTree = new OsduTreeView(this);
+    m_osduTree->setItemDelegate(new OsduTreeDelegate(m_osduTree->proxyModel(), m_osduTree));
+    m_resultLabel = new QLabel("No results", this);
+    m_searchInput = new SearchInput(this);
+    m_searchButton = new QPushButton("Search", this);
+    m_providerChoice = new QComboBox(this);
+    m_providerChoice->addItem(QIcon(), text(getCloudProviderDisplayName(OsduFastInitializer::AWS)));
+    m_providerChoice->addItem(QIcon(), text(getCloudProviderDisplayName(OsduFastInitializer::Azure)));
+    m_connectButton = new QPushButton("Connect", this);
+    const QPixmap helpIcon = *iconHandler->getPixmap("help24");
+
+    auto* layout = new QGridLayout(this);
+    layout->addWidget(m_providerChoice, 0, 0, 1, 2);
+    layout->addWidget(m_connectButton, 0, 2);
+    layout->addWidget(new kvWidgets::HelpToolTip(helpIcon, QString::fromUtf8(kProviderHelp), this), 0, 3);
+    layout->addWidget(m_searchInput, 1, 0, 1, 2);
+    layout->addWidget(m_searchButton, 1, 2);
+    layout->addWidget(new kvWidgets::HelpToolTip(helpIcon, QString::fromUtf8(kSearchHelp), this), 1, 3);
+    layout->addWidget(m_resultLabel, 2, 0, 1, 4);
+    layout->addWidget(m_osduTree, 3, 0, 1, 4);
+
+    for (QWidget* widget : {static_cast<QWidget*>(m_searchInput), static_cast<QWidget*>(m_searchButton),
+                            static_cast<QWidget*>(m_resultLabel), static_cast<QWidget*>(m_osduTree)})
+        widget->setEnabled(false);
+
+    m_treeView = m_osduTree;
     connectTreeView();
+    connect(m_connectButton, &QPushButton::clicked, this, &OsduWidget::onConnect);
+    connect(m_searchButton, &QPushButton::clicked, this, &OsduWidget::performSearch);
+    connect(m_searchInput, &SearchInput::searchDone, this, &OsduWidget::onSearchDone);
+    connect(m_osduTree, &FastTreeView::mountVds, this,
+            [this, projectPath](const VdsModel& vdsModel) { onMountVds(projectPath, vdsModel); });
+    connect(this, &OsduWidget::enableUI, this, &OsduWidget::enableSearch);
+}
+
+OsduWidget::~OsduWidget()
+{
+    Q_EMIT sendActionToMdi(nullptr, nullptr, "UPDATE_WINDOW_MANAGER");
+}
+
+void OsduWidget::onConnect()
+{
+    // The initializer is process-wide and keeps the first provider.
+    m_providerChoice->setEnabled(false);
+    m_initializer = OsduFastInitializer::instance(static_cast<OsduFastInitializer::eCloudProvider>(m_providerChoice->currentIndex()));
+    if (!m_initializer->isInitialized()) {
+        trace("FAST OSDU connection error");
+        QMessageBox::critical(this, "Error Initializing OSDU", "Failed to initialize the OSDU runtime environment.",
+                              QMessageBox::Ok);
+        return;
+    }
+    m_connectButton->setEnabled(false);
+    osdu::OsduAuthProvider* provider = m_initializer->authProvider().get();
+    connect(provider, &osdu::OsduAuthProvider::userAuthorized, this, &OsduWidget::userAuthorized, Qt::UniqueConnection);
+    connect(provider, &osdu::OsduAuthProvider::error, this, &OsduWidget::authenticationError, Qt::UniqueConnection);
+    connect(provider, &osdu::OsduAuthProvider::info, this, &OsduWidget::logAuthInfo, Qt::UniqueConnection);
+    provider->authorizeAsync(OsduFastInitializer::authenticationTimeoutMs());
+}
+
+void OsduWidget::authenticationError(const QString& message, const QString& details, const QUrl& /*url*/)
+{
+    m_connectButton->setEnabled(true);
+    QString shown = message;
+    if (!details.isEmpty())
+        shown += QString("<br>%1").arg(details);
+    trace(QString("FAST OSDU authentication error %1 : %2").arg(QString::number(365), shown));
+    QMessageBox::critical(this, "Failed to connect to OSDU environment", shown, QMessageBox::Ok);
+}
+
+void OsduWidget::logAuthInfo(const QString& message)
+{
+    information(QString("OSDU Authentication: %1").arg(message));
+}
+
+void OsduWidget::userAuthorized()
+{
+    m_connectButton->setEnabled(true);
+    Q_EMIT enableUI();
+}
+
+void OsduWidget::enableSearch()
+{
+    m_providerChoice->setEnabled(false);
+    m_connectButton->setEnabled(false);
+    m_searchInput->initialize();
+    for (QWidget* widget : {static_cast<QWidget*>(m_resultLabel), static_cast<QWidget*>(m_searchInput),
+                            static_cast<QWidget*>(m_searchButton), static_cast<QWidget*>(m_osduTree)})
+        widget->setEnabled(true);
+}
+
+void OsduWidget::performSearch()
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    m_searchInput->setEnabled(false);
+    m_searchButton->setEnabled(false);
+    m_osduTree->clear();
+    m_searchInput->search();
+}
+
+std::vector<VdsInfo> OsduWidget::fastVolumes()
+{
+    try {
+        const auto files = m_fast->getFileList();
+        const auto volumes = m_fast->getVdsList();
+        return parseVdsInfos(volumes->getMessage(), files->getMessage());
+    } catch (const Poco::JSON::JSONException& failure) {
+        trace(QString("FAST OSDU onSearchDone JSONException %1").arg(149));
+        const QString message = QString("Unable to parse JSON to get VDS list: %1").arg(exceptionText(failure));
+        trace(message);
+        warn(this, "Unable to list VDS", message);
+    }
+    return {};
+}
+
+void OsduWidget::onSearchDone(const std::shared_ptr<osdu::StorageRecordCollection>& results)
+{
+    const std::vector<VdsInfo> volumes = fastVolumes();
+    FastTreeModel* model = m_osduTree->model();
+    for (const auto& record : results ? *results : osdu::StorageRecordCollection()) {
+        const auto* collection = dynamic_cast<const osdu::FileCollection*>(record.get());
+        if (!collection)
+            continue;
+        const std::string url = modifyVdsFilepath(collection->getDatasetProperties().getFileSource());
+        VdsModel vds(local8Bit(collection->getId()), local8Bit(collection->getName()), local8Bit(collection->getKind()),
+                     local8Bit(collection->getDescription()), {}, url, {});
+        const auto known = std::find_if(volumes.begin(), volumes.end(), [&url](const VdsInfo& info) { return info.url == url; });
+        if (known != volumes.end()) {
+            vds.vdsId = known->vdsId;
+            vds.files = known->files;
+        }
+        model->addVds(vds);
+    }
+    m_osduTree->refresh();
+    const int count = model->vdsCount();
+    m_resultLabel->setText(count > 0 ? QString("%1 result(s) found").arg(count) : QString("No result"));
+    QApplication::restoreOverrideCursor();
+    m_searchInput->setEnabled(true);
+    m_searchButton->setEnabled(true);
+}
+
+void OsduWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel)
+{
+    FastTreeModel* model = m_osduTree->model();
+    std::string vdsId = vdsModel.vdsId;
+    try {
+        if (!vdsId.empty()) {
+            noteAlreadyRegistered(vdsModel.url, vdsId);
+        } else {
+            vdsId = registerVdsInFast(*m_fast, vdsModel.url);
+            if (vdsId.empty()) {
+                warnRegistrationFailed(this);
+                model->populate();
+                return;
+            }
+        }
+        model->setVdsIdForUrl(vdsModel.url, vdsId);
+        openMountDialog(projectPath, vdsModel, vdsId);
+    } catch (const Poco::JSON::JSONException& failure) {
+        trace(QString("FAST OSDU onMountVds JSONException %1").arg(286));
+        error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception while parsing JSON to get volume "
+                      "data from VDS: %3")
+                  .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
+        warnMountFailed(this);
+    } catch (const std::exception& failure) {
+        trace(QString("FAST OSDU onMountVds exception %1").arg(302));
+        error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception : %3")
+                  .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
+        warnMountFailed(this);
+    }
+}
+
+void OsduWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId)
+{
+    const SubvolumeRange range = m_fast->getPluginDescription("Korvane", vdsId);
+    auto* dialog = new MountNewVolume(m_fast, vdsId, range, projectPath, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &MountNewVolume::vdsMounted, this, &OsduWidget::onVdsMounted);
+    // As on the VDS pages: a first mount that was cancelled leaves nothing registered behind,
+    // and the dataset shows as unregistered again.
+    connect(dialog, &QDialog::finished, this, [this, vdsModel, vdsId](int result) {
+        if (result != 0 || !vdsModel.files.empty())
+            return;
+        onUnmountVds(vdsId, {});
+        m_osduTree->model()->setVdsIdForUrl(vdsModel.url, {});
+        m_osduTree->refresh();
+    });
+    dialog->setModal(true);
+    dialog->show();
+}
+
+void OsduWidget::onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName)
+{
+    m_osduTree->model()->addFile(vdsId, fileId, fileName);
+    // A dataset has no row to add the file under in place: show it by rebuilding.
+    m_osduTree->refresh();
+    Q_EMIT addToExtraDataManager(text(fileName), OSDU);
 }
 
 } // namespace fast

@@ -2,20 +2,58 @@
 
 #include <fast/panel/FastWidget.h>
 
+#include <osdu/StorageRecord.h>
+
 #include <QString>
+#include <QUrl>
+
+#include <memory>
+
+class QComboBox;
+class QLabel;
+class QPushButton;
 
 namespace fast {
 
-// The OSDU Data Platform page. For now it shows its (empty) dataset tree; signing in and
-// searching come with the OSDU client.
+class OsduFastInitializer;
+class OsduTreeView;
+class SearchInput;
+
+// The OSDU Data Platform page: sign in with the chosen cloud provider, search the platform's
+// VDS file collections, and mount one through FAST like a cloud VDS.
 class FASTPANEL_EXPORT OsduWidget : public FastWidget
 {
     Q_OBJECT
 
 public:
     OsduWidget(const std::shared_ptr<Fast>& fast, const QString& projectPath, QWidget* parent = nullptr);
+    ~OsduWidget() override;
+
+    void onConnect();
+    void authenticationError(const QString& message, const QString& details, const QUrl& url);
+    void logAuthInfo(const QString& message);
+    void userAuthorized();
+    void performSearch();
+    void onSearchDone(const std::shared_ptr<osdu::StorageRecordCollection>& results);
+    void onMountVds(const QString& projectPath, const VdsModel& vdsModel);
+    void onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName);
+
+Q_SIGNALS:
+    void enableUI();
 
 private:
+    void enableSearch();
+    // The VDS FAST knows, empty (and reported) when the listing cannot be read.
+    std::vector<VdsInfo> fastVolumes();
+    void openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId);
+
+    OsduTreeView* m_osduTree = nullptr;
+    QLabel* m_resultLabel = nullptr;
+    SearchInput* m_searchInput = nullptr;
+    QPushButton* m_searchButton = nullptr;
+    QComboBox* m_providerChoice = nullptr;
+    QPushButton* m_connectButton = nullptr;
+    std::shared_ptr<OsduFastInitializer> m_initializer;
     QString m_projectPath;
 };
 

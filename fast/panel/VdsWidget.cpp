@@ -4,6 +4,7 @@
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/PanelMessages.h>
+#include <fast/panel/VdsRegistration.h>
 #include <fast/trees/FastSortFilterProxyModel.h>
 #include <fast/trees/VdsTreeDelegate.h>
 #include <fast/trees/VdsTreeModel.h>
@@ -193,36 +194,14 @@ void VdsWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel)
 
 std::string VdsWidget::registeredId(const VdsModel& vdsModel)
 {
-    const QString url = text(vdsModel.url);
     if (const std::optional<VdsInfo> known = m_fast->findVdsByUrl(vdsModel.url)) {
-        information(QString("Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2.")
-                        .arg(url, text(known->vdsId)));
+        noteAlreadyRegistered(vdsModel.url, known->vdsId);
         storeId(vdsModel.url, known->vdsId);
         return known->vdsId;
     }
-
-    const auto response = m_fast->registerVds(vdsModel.url);
-    const int status = response->getResponse();
-    std::string vdsId;
-    if (status == 200 && !response->getMessage().empty()) {
-        vdsId = response->getMessage();
-        information(QString("Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.").arg(url, text(vdsId)));
-    } else if (status == 200) {
-        information(QString("Unable to register VDS (url=%1) in Bluware FAST™ with empty id!").arg(url));
-    } else if (status == 405) {
-        // The service answers 405 to parameters it cannot take.
-        information(QString("Unable to register VDS (url=%1) in Bluware FAST™: invalid parameters.").arg(url));
-    } else if (status == 409) {
-        information(QString("VDS (url=%1) already registered in Bluware FAST™.").arg(url));
-    } else {
-        information(QString("Unable to register VDS (url=%1) in Bluware FAST™. Unexpected error code: %2.")
-                        .arg(url, QString::number(status)));
-    }
-
+    const std::string vdsId = registerVdsInFast(*m_fast, vdsModel.url);
     if (vdsId.empty()) {
-        warn(this, "Unable to register VDS",
-             "Korvane™ was unable to register VDS in Bluware FAST™.\nPlease refer to Bluware FAST™ log files to get "
-             "more information.");
+        warnRegistrationFailed(this);
         return {};
     }
     storeId(vdsModel.url, vdsId);
@@ -259,9 +238,7 @@ void VdsWidget::abandonMount(const std::string& url, const std::string& vdsId, c
                                    : "Exception occurred";
     error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. %3: %4")
               .arg(text(url), text(vdsId), reason, exceptionText(failure)));
-    warn(this, "Unable to mount VDS",
-         "Korvane™ was unable to mount VDS in Bluware FAST™.\nPlease refer to Bluware FAST™ and Korvane™ log files "
-         "to get more information.");
+    warnMountFailed(this);
 }
 
 void VdsWidget::onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName)

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <fast/fastpanel_export.h>
+
+#include <QObject>
+
+#include <memory>
+#include <string>
+
+namespace osdu {
+class OsduAuthProvider;
+}
+
+namespace fast {
+
+// Turns the user's OSDU settings for one cloud provider into an initialised sign-in provider,
+// and keeps the refresh token it obtains, so that a later run signs in without the browser
+// while the client id and secret stay the same. One per process: the provider chosen first
+// stays in force.
+class FASTPANEL_EXPORT OsduFastInitializer : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum eCloudProvider : int { AWS = 0, Azure = 1 };
+
+    // Never throws for missing settings: isInitialized() and lastError() tell.
+    explicit OsduFastInitializer(eCloudProvider provider);
+    ~OsduFastInitializer() override;
+
+    // The process-wide instance, made with provider only if there is none yet.
+    static std::shared_ptr<OsduFastInitializer> instance(eCloudProvider provider);
+    // The process-wide instance, or empty when Connect was never pressed.
+    static std::shared_ptr<OsduFastInitializer> currentInstance();
+
+    bool isInitialized() const { return m_initialized; }
+    const std::string& lastError() const { return m_lastError; }
+    std::shared_ptr<osdu::OsduAuthProvider> authProvider() const { return m_authProvider; }
+
+    // "FAST/OSDU_AUTHENTICATION_TIMEOUT" seconds (default 5), in milliseconds.
+    static int authenticationTimeoutMs();
+    // "AWS", "Azure", or empty for any other value.
+    static std::string getCloudProviderSettingsGroup(eCloudProvider provider);
+
+private:
+    void storeRefreshToken(const std::string& settingsGroup);
+
+    std::string m_grantType;
+    std::string m_oauthUrl;
+    std::string m_oauthTokenUrl;
+    std::string m_clientId;
+    std::string m_clientSecret;
+    std::string m_refreshToken;
+    std::string m_scope;
+    std::string m_reserved1;
+    std::string m_callbackUrl;
+    int m_callbackPort = 80;
+    std::string m_resource;
+    std::shared_ptr<osdu::OsduAuthProvider> m_authProvider;
+    std::string m_reserved2;
+    bool m_initialized = false;
+    std::string m_lastError;
+};
+
+// "Amazon Web Services", "Microsoft Azure", or empty for any other value.
+FASTPANEL_EXPORT std::string getCloudProviderDisplayName(OsduFastInitializer::eCloudProvider provider);
+
+} // namespace fast

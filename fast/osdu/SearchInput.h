@@ -1,0 +1,46 @@
+#pragma once
+
+#include <fast/fastpanel_export.h>
+
+#include <osdu/StorageRecord.h>
+
+#include <QLineEdit>
+
+#include <functional>
+#include <memory>
+
+namespace osdu {
+class OsduHttpClient;
+}
+
+namespace fast {
+
+class FileCollectionSearch;
+
+// The filter box of the OSDU page. It runs each search on a thread of its own and hands the
+// matches back through searchDone, which crosses to the receiver's thread queued.
+class FASTPANEL_EXPORT SearchInput : public QLineEdit
+{
+    Q_OBJECT
+
+public:
+    explicit SearchInput(QWidget* parent = nullptr);
+    ~SearchInput() override;
+
+    // After each sign-in: a client and a search for the signed-in provider. Return starts a
+    // search (once per Return, however often this runs).
+    void initialize();
+    void search();
+
+Q_SIGNALS:
+    void searchDone(std::shared_ptr<osdu::StorageRecordCollection> results);
+
+private:
+    std::shared_ptr<osdu::OsduHttpClient> m_httpClient;
+    std::shared_ptr<FileCollectionSearch> m_search;
+    std::function<void(std::shared_ptr<osdu::StorageRecordCollection>)> m_resultsCallback;
+};
+
+} // namespace fast
+
+Q_DECLARE_METATYPE(std::shared_ptr<osdu::StorageRecordCollection>)

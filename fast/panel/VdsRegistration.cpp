@@ -1,0 +1,61 @@
+#include <fast/panel/VdsRegistration.h>
+
+#include <fast/client/Fast.h>
+#include <fast/panel/PanelMessages.h>
+
+#include <osdu/HttpResponse.h>
+
+namespace fast {
+
+namespace {
+
+QString text(const std::string& utf8)
+{
+    return QString::fromStdString(utf8);
+}
+
+} // namespace
+
+std::string registerVdsInFast(const Fast& fast, const std::string& url)
+{
+    const auto response = fast.registerVds(url);
+    const int status = response->getResponse();
+    const QString where = text(url);
+    if (status == 200 && !response->getMessage().empty()) {
+        information(QString("Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.")
+                        .arg(where, text(response->getMessage())));
+        return response->getMessage();
+    }
+    if (status == 200)
+        information(QString("Unable to register VDS (url=%1) in Bluware FAST™ with empty id!").arg(where));
+    else if (status == 405) // the service's answer to parameters it cannot take
+        information(QString("Unable to register VDS (url=%1) in Bluware FAST™: invalid parameters.").arg(where));
+    else if (status == 409)
+        information(QString("VDS (url=%1) already registered in Bluware FAST™.").arg(where));
+    else
+        information(QString("Unable to register VDS (url=%1) in Bluware FAST™. Unexpected error code: %2.")
+                        .arg(where, QString::number(status)));
+    return {};
+}
+
+void warnRegistrationFailed(QWidget* parent)
+{
+    warn(parent, "Unable to register VDS",
+         "Korvane™ was unable to register VDS in Bluware FAST™.\nPlease refer to Bluware FAST™ log files to get more "
+         "information.");
+}
+
+void warnMountFailed(QWidget* parent)
+{
+    warn(parent, "Unable to mount VDS",
+         "Korvane™ was unable to mount VDS in Bluware FAST™.\nPlease refer to Bluware FAST™ and Korvane™ log files to "
+         "get more information.");
+}
+
+void noteAlreadyRegistered(const std::string& url, const std::string& vdsId)
+{
+    information(QString("Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2.")
+                    .arg(text(url), text(vdsId)));
+}
+
+} // namespace fast

@@ -1,0 +1,60 @@
+#include <osdu/OsduHttpClient.h>
+
+#include <osdu/OsduAuthProvider.h>
+
+#include <stdexcept>
+
+namespace osdu {
+
+namespace {
+
+// A request that has not finished in this time will not: better an error than a hang.
+constexpr long RequestTimeoutMs = 2 * 60 * 1000;
+
+} // namespace
+
+OsduHttpClient::OsduHttpClient(const std::string& baseUrl, std::shared_ptr<OsduAuthProvider> auth, QObject* parent)
+    : QObject(parent), m_baseUrl(baseUrl), m_auth(std::move(auth))
+{
+    if (!m_auth)
+        throw std::invalid_argument("An OSDU client needs an authorization provider");
+    while (!m_baseUrl.empty() && m_baseUrl.back() == '/')
+        m_baseUrl.pop_back();
+}
+
+OsduHttpClient::~OsduHttpClient() = default;
+
+CurlResponse OsduHttpClient::get(const std::string& path, const std::string& partition)
+{
+    return send(false, path, {}, partition);
+}
+
+CurlResponse OsduHttpClient::post(const std::string& path, const std::string& jsonBody, const std::string& partition)
+{
+    return send(true, path, jsonBody, partition);
+}
+
+CurlResponse OsduHttpClient::send(bool post, const std::string& path, const std::string& body,
+                                  const std::string& partition)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    CurlResponse response;
+    // A token can be revoked or cut short before its stated expiry: one renewal and retry.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        const std::string token = m_auth->accessToken();
+        m_session.setUrl(m_baseUrl + path);
+        m_session.setHeaders({{"Authorization", "Bearer " + token},
+                              {"data-partition-id", partition},
+                              {"Content-Type", "application/json"},
+                              {"Accept", "application/json"}});
+        m_session.setBody(body);
+        m_session.setTimeoutMs(RequestTimeoutMs);
+        response = post ? m_session.post() : m_session.get();
+        if (response.statusCode != 401)
+            break;
+        m_auth->discardAccessToken(token);
+    }
+    return response;
+}
+
+} // namespace osdu

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <osdu/osdu_export.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace osdu {
+
+class OsduHttpClient;
+
+// A query of the Search v2 API; fields left at their defaults are not sent.
+struct SearchQuery
+{
+    std::string kind;
+    int limit = 10;   // 1..1000
+    int offset = 0;
+    std::string query;
+};
+
+struct SearchHit
+{
+    std::string id;
+    std::string kind;
+};
+
+class OSDU_EXPORT Search
+{
+public:
+    virtual ~Search();
+    // One page of hits. Throws std::runtime_error with the platform's reason on failure.
+    virtual std::vector<SearchHit> query(const SearchQuery& query, const std::string& partition) = 0;
+};
+
+OSDU_EXPORT std::shared_ptr<Search> createSearch(std::shared_ptr<OsduHttpClient> client);
+
+} // namespace osdu

@@ -1,0 +1,87 @@
+// Connecting to OSDU before the settings are complete, and the initializer's plain rules.
+// A program of its own: the initializer is one per process, and here it is the failed one.
+
+#include "EventBusRecorder.h"
+#include "MessageBoxAnswerer.h"
+#include "TestSettings.h"
+
+#include <fast/client/Fast.h>
+#include <fast/osdu/OsduFastInitializer.h>
+#include <fast/panel/OsduWidget.h>
+
+#include <osdu/OsduAuthProvider.h>
+
+#include <QComboBox>
+#include <QPushButton>
+#include <QtTest>
+
+using fast::OsduFastInitializer;
+
+class OsduConnectTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void providersAreNamedAndGroupedByIndex();
+    void signInTimeOutComesFromTheSettings();
+    void aMissingRequiredSettingLeavesTheInitializerUnready();
+    void connectWithoutSettingsFailsEveryTime();
+};
+
+void OsduConnectTest::providersAreNamedAndGroupedByIndex()
+{
+    TestSettings settings;
+    QCOMPARE(fast::getCloudProviderDisplayName(OsduFastInitializer::AWS), "Amazon Web Services");
+    QCOMPARE(fast::getCloudProviderDisplayName(OsduFastInitializer::Azure), "Microsoft Azure");
+    const auto other = static_cast<OsduFastInitializer::eCloudProvider>(2);
+    QCOMPARE(fast::getCloudProviderDisplayName(other), "");
+    QCOMPARE(OsduFastInitializer::getCloudProviderSettingsGroup(other), "");
+    // Any index but 1 signs in the AWS way.
+    QCOMPARE(OsduFastInitializer(other).authProvider()->getProviderName(), "AWS");
+    QCOMPARE(OsduFastInitializer(OsduFastInitializer::Azure).authProvider()->getProviderName(), "Azure");
+}
+
+void OsduConnectTest::signInTimeOutComesFromTheSettings()
+{
+    TestSettings settings;
+    QCOMPARE(OsduFastInitializer::authenticationTimeoutMs(), 5000);
+    settings.set("FAST", "OSDU_AUTHENTICATION_TIMEOUT", "30");
+    QCOMPARE(OsduFastInitializer::authenticationTimeoutMs(), 30000);
+}
+
+void OsduConnectTest::aMissingRequiredSettingLeavesTheInitializerUnready()
+{
+    TestSettings settings;
+    for (const char* key : {"OSDU_CLIENT_ID", "OSDU_CLIENT_SECRET", "OSDU_OAUTH_URL"})
+        settings.set("AWS", key, "set");
+    const OsduFastInitializer initializer(OsduFastInitializer::AWS);
+    QVERIFY(!initializer.isInitialized());
+    QCOMPARE(initializer.lastError(), "Please specify all required initialization parameters in Korvane settings.");
+    // Nothing was handed to the provider, so it cannot start a sign-in.
+    QVERIFY(!initializer.authProvider()->authorizeAsync(1000));
+
+    settings.set("AWS", "OSDU_OAUTH_TOKEN_URL", "set");
+    QVERIFY(OsduFastInitializer(OsduFastInitializer::AWS).isInitialized());
+}
+
+void OsduConnectTest::connectWithoutSettingsFailsEveryTime()
+{
+    TestSettings settings;
+    fast::OsduWidget page(std::make_shared<fast::Fast>("127.0.0.1"), QDir::tempPath());
+    EventBusRecorder bus;
+    MessageBoxAnswerer boxes;
+    auto* connect = page.findChildren<QPushButton*>().at(1);
+    QCOMPARE(connect->text(), "Connect");
+
+    QTest::mouseClick(connect, Qt::LeftButton);
+    QTest::mouseClick(connect, Qt::LeftButton);
+    QTRY_COMPARE(boxes.boxes().size(), 2);
+    const QString failure = "Error Initializing OSDU: Failed to initialize the OSDU runtime environment.";
+    QCOMPARE(boxes.summaries(), QStringList({failure, failure}));
+    QCOMPARE(bus.texts(3), QStringList({"FAST OSDU connection error", "FAST OSDU connection error"}));
+    QVERIFY(connect->isEnabled());
+    QVERIFY(!page.findChild<QComboBox*>()->isEnabled());
+}
+
+QTEST_MAIN(OsduConnectTest)
+#include "tst_osduconnect.moc"

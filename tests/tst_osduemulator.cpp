@@ -1,0 +1,319 @@
+// The OSDU emulator as the client library meets it over real HTTP: the OAuth 2.0 sign-in with
+// PKCE and refresh, the access checks, search paging and kinds, storage fetches, and the faults
+// it injects.
+
+#include <OsduEmulator.h>
+
+#include <QtTest>
+
+#include <curl/curl.h>
+
+using emulator::OsduEmulator;
+
+namespace {
+
+// RFC 7636, appendix B.
+const std::string kVerifier = "dBjftJeZ4CVP-mB92K27uhbUJU1p1r_wW1gFWFOEjXk";
+const std::string kChallenge = "E9Melhoa2OwvFrEMTJguCHaoeK1t8URWbuGJSstw-cM";
+const std::string kCallback = "http://127.0.0.1:8765/callback";
+const std::string kFileCollections = "osdu:wks:dataset--FileCollection.Bluware.*:1.0.0";
+
+struct Answer
+{
+    long status = 0;
+    QByteArray body;
+    QUrl location;
+    long newConnections = 0;
+    QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
+};
+
+std::size_t appendTo(char* data, std::size_t size, std::size_t count, void* target)
+{
+    static_cast<QByteArray*>(target)->append(data, static_cast<int>(size * count));
+    return size * count;
+}
+
+// One handle for all requests, so that libcurl keeps the connection alive between them.
+class Http
+{
+public:
+    Http() : m_curl(curl_easy_init()) {}
+    ~Http() { curl_easy_cleanup(m_curl); }
+
+    Answer send(const std::string& url, const std::vector<std::string>& headers = {}, const char* body = nullptr)
+    {
+        curl_slist* list = nullptr;
+        for (const std::string& header : headers)
+            list = curl_slist_append(list, header.c_str());
+        Answer answer;
+        curl_easy_setopt(m_curl, CURLOPT_URL, url.c_str());
+        curl_easy_setopt(m_curl, CURLOPT_HTTPHEADER, list);
+        curl_easy_setopt(m_curl, CURLOPT_WRITEFUNCTION, &appendTo);
+        curl_easy_setopt(m_curl, CURLOPT_WRITEDATA, &answer.body);
+        if (body)
+            curl_easy_setopt(m_curl, CURLOPT_COPYPOSTFIELDS, body);
+        else
+            curl_easy_setopt(m_curl, CURLOPT_HTTPGET, 1L);
+        if (curl_easy_perform(m_curl) == CURLE_OK) {
+            char* location = nullptr;
+            curl_easy_getinfo(m_curl, CURLINFO_RESPONSE_CODE, &answer.status);
+            curl_easy_getinfo(m_curl, CURLINFO_REDIRECT_URL, &location);
+            curl_easy_getinfo(m_curl, CURLINFO_NUM_CONNECTS, &answer.newConnections);
+            answer.location = QUrl(QString::fromUtf8(location ? location : ""));
+        }
+        curl_slist_free_all(list);
+        return answer;
+    }
+
+private:
+    CURL* m_curl;
+};
+
+std::string encoded(const std::string& text)
+{
+    return QUrl::toPercentEncoding(QString::fromStdString(text)).toStdString();
+}
+
+QString queryItem(const QUrl& url, const QString& name)
+{
+    return QUrlQuery(url).queryItemValue(name, QUrl::FullyDecoded);
+}
+
+Answer authorize(Http& http, const OsduEmulator& osdu, const std::string& redirect = kCallback,
+                 const std::string& method = "S256")
+{
+    return http.send(osdu.authorizeUrl() + "?response_type=code&client_id=fast-panel&scope=openid%20offline_access"
+                     + "&state=" + encoded("s+1/&") + "&code_challenge=" + kChallenge
+                     + "&code_challenge_method=" + method + "&redirect_uri=" + encoded(redirect));
+}
+
+std::string basic(const std::string& secret)
+{
+    return "Authorization: Basic " + QByteArray::fromStdString("fast-panel:" + secret).toBase64().toStdString();
+}
+
+Answer exchange(Http& http, const OsduEmulator& osdu, const QString& code, const std::string& verifier = kVerifier,
+                const std::string& auth = basic("fast-panel-secret"), const std::string& extra = {})
+{
+    const std::string form = "grant_type=authorization_code&code=" + code.toStdString() + "&code_verifier="
+                             + verifier + "&redirect_uri=" + encoded(kCallback) + extra;
+    return http.send(osdu.tokenUrl(), {auth}, form.c_str());
+}
+
+std::string signIn(Http& http, const OsduEmulator& osdu)
+{
+    return exchange(http, osdu, queryItem(authorize(http, osdu).location, "code")).json()["access_token"].toString().toStdString();
+}
+
+Answer refresh(Http& http, const OsduEmulator& osdu, const QJsonValue& token)
+{
+    return http.send(osdu.tokenUrl(), {basic("fast-panel-secret")},
+                     ("grant_type=refresh_token&refresh_token=" + token.toString().toStdString()).c_str());
+}
+
+std::vector<std::string> dataHeaders(const std::string& token, const std::string& partition = "opendes")
+{
+    return {"Authorization: Bearer " + token, "data-partition-id: " + partition, "Content-Type: application/json"};
+}
+
+Answer search(Http& http, const OsduEmulator& osdu, const std::string& token, const std::string& body)
+{
+    return http.send(osdu.baseUrl() + "/api/search/v2/query", dataHeaders(token), body.c_str());
+}
+
+} // namespace
+
+class OsduEmulatorTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void authorizeApprovesAtOnceAndRedirectsWithCodeAndState();
+    void codeExchangeChecksTheVerifierAndSpendsTheCode();
+    void clientAuthenticatesByBasicOrFormButNotWithAWrongSecret_data();
+    void clientAuthenticatesByBasicOrFormButNotWithAWrongSecret();
+    void refreshRotatesTheTokenAndExpiredTokensAreRefused();
+    void dataRequestsNeedAValidBearerAndThePartition_data();
+    void dataRequestsNeedAValidBearerAndThePartition();
+    void searchMatchesKindWildcardsAndBoundsThePageOnOneConnection();
+    void storageFetchesRecordsAndReportsInjectedFailures();
+};
+
+void OsduEmulatorTest::authorizeApprovesAtOnceAndRedirectsWithCodeAndState()
+{
+    OsduEmulator osdu;
+    osdu.start();
+    Http http;
+    const Answer approved = authorize(http, osdu);
+    QCOMPARE(approved.status, 302L);
+    QCOMPARE(approved.location.adjusted(QUrl::RemoveQuery).toString().toStdString(), kCallback);
+    QCOMPARE(queryItem(approved.location, "state"), "s+1/&");
+    QVERIFY(!queryItem(approved.location, "code").isEmpty());
+    QVERIFY(osdu.lastAuthorizeQuery().find("code_challenge=" + kChallenge) != std::string::npos);
+
+    const Answer plain = authorize(http, osdu, kCallback, "plain");
+    QCOMPARE(queryItem(plain.location, "error"), "invalid_request");
+    QCOMPARE(queryItem(plain.location, "state"), "s+1/&");
+    // Never redirect to a host other than the loopback one.
+    const Answer remote = authorize(http, osdu, "http://example.com/callback");
+    QCOMPARE(remote.status, 400L);
+    QVERIFY(remote.location.isEmpty());
+}
+
+void OsduEmulatorTest::codeExchangeChecksTheVerifierAndSpendsTheCode()
+{
+    OsduEmulator osdu;
+    osdu.start();
+    Http http;
+    const QString guessed = queryItem(authorize(http, osdu).location, "code");
+    const Answer wrong = exchange(http, osdu, guessed, std::string(43, 'x'));
+    QCOMPARE(wrong.status, 400L);
+    QCOMPARE(wrong.json()["error"].toString(), "invalid_grant");
+    QCOMPARE(exchange(http, osdu, guessed).status, 400L);
+
+    const QString code = queryItem(authorize(http, osdu).location, "code");
+    const QJsonObject tokens = exchange(http, osdu, code).json();
+    QCOMPARE(tokens["token_type"].toString(), "Bearer");
+    QCOMPARE(tokens["expires_in"].toInt(), 3600);
+    QCOMPARE(tokens["scope"].toString(), "openid offline_access");
+    QVERIFY(!tokens["refresh_token"].toString().isEmpty());
+    QCOMPARE(exchange(http, osdu, code).json()["error"].toString(), "invalid_grant");
+    QCOMPARE(osdu.issuedTokens().codeExchanges, 1);
+}
+
+void OsduEmulatorTest::clientAuthenticatesByBasicOrFormButNotWithAWrongSecret_data()
+{
+    QTest::addColumn<QString>("header");
+    QTest::addColumn<QString>("form");
+    QTest::addColumn<long>("status");
+    QTest::newRow("basic") << QString::fromStdString(basic("fast-panel-secret")) << "" << 200L;
+    QTest::newRow("form") << "" << "&client_id=fast-panel&client_secret=fast-panel-secret" << 200L;
+    QTest::newRow("basic, wrong secret") << QString::fromStdString(basic("guess")) << "" << 401L;
+    QTest::newRow("form, wrong secret") << "" << "&client_id=fast-panel&client_secret=guess" << 401L;
+    QTest::newRow("form, no secret") << "" << "&client_id=fast-panel" << 401L;
+}
+
+void OsduEmulatorTest::clientAuthenticatesByBasicOrFormButNotWithAWrongSecret()
+{
+    QFETCH(QString, header);
+    QFETCH(QString, form);
+    QFETCH(long, status);
+    OsduEmulator osdu;
+    osdu.start();
+    Http http;
+    const QString code = queryItem(authorize(http, osdu).location, "code");
+    const Answer answer = exchange(http, osdu, code, kVerifier, header.toStdString(), form.toStdString());
+    QCOMPARE(answer.status, status);
+    if (status == 401)
+        QCOMPARE(answer.json()["error"].toString(), "invalid_client");
+}
+
+void OsduEmulatorTest::refreshRotatesTheTokenAndExpiredTokensAreRefused()
+{
+    OsduEmulator osdu;
+    osdu.start();
+    Http http;
+    const QJsonObject first = exchange(http, osdu, queryItem(authorize(http, osdu).location, "code")).json();
+    const QJsonObject second = refresh(http, osdu, first["refresh_token"]).json();
+    QVERIFY(second["access_token"] != first["access_token"]);
+    QCOMPARE(search(http, osdu, second["access_token"].toString().toStdString(), R"({"kind":"*:*:*:*"})").status, 200L);
+    QCOMPARE(refresh(http, osdu, first["refresh_token"]).json()["error"].toString(), "invalid_grant");
+    QCOMPARE(osdu.issuedTokens().refreshGrants, 1);
+
+    osdu.setTokenFault(emulator::TokenFault::Fail);
+    QCOMPARE(refresh(http, osdu, second["refresh_token"]).status, 503L);
+    osdu.clearFaults();
+
+    osdu.setAccessTokenLifetime(std::chrono::seconds(1));
+    osdu.setRefreshTokenLifetime(std::chrono::seconds(1));
+    const QJsonObject shortLived = refresh(http, osdu, second["refresh_token"]).json();
+    QTest::qWait(1100);
+    QCOMPARE(search(http, osdu, shortLived["access_token"].toString().toStdString(), R"({"kind":"*:*:*:*"})").status, 401L);
+    QCOMPARE(refresh(http, osdu, shortLived["refresh_token"]).json()["error"].toString(), "invalid_grant");
+}
+
+void OsduEmulatorTest::dataRequestsNeedAValidBearerAndThePartition_data()
+{
+    QTest::addColumn<bool>("bearer");
+    QTest::addColumn<QString>("partition");
+    QTest::addColumn<int>("rejections");
+    QTest::addColumn<long>("status");
+    QTest::addColumn<long>("statusAfterwards");
+    QTest::newRow("all there") << true << "opendes" << 0 << 200L << 200L;
+    QTest::newRow("no bearer") << false << "opendes" << 0 << 401L << 401L;
+    QTest::newRow("no partition") << true << "" << 0 << 400L << 400L;
+    QTest::newRow("other partition") << true << "tenant2" << 0 << 403L << 403L;
+    QTest::newRow("one rejection injected") << true << "opendes" << 1 << 401L << 200L;
+    QTest::newRow("rejections injected") << true << "opendes" << OsduEmulator::kEveryRequest << 401L << 401L;
+}
+
+void OsduEmulatorTest::dataRequestsNeedAValidBearerAndThePartition()
+{
+    QFETCH(bool, bearer);
+    QFETCH(QString, partition);
+    QFETCH(int, rejections);
+    QFETCH(long, status);
+    QFETCH(long, statusAfterwards);
+    OsduEmulator osdu;
+    osdu.start();
+    Http http;
+    const std::string token = bearer ? signIn(http, osdu) : "forged";
+    osdu.rejectDataRequests(rejections);
+    const std::string url = osdu.baseUrl() + "/api/search/v2/query";
+    const Answer answer = http.send(url, dataHeaders(token, partition.toStdString()), R"({"kind":"*:*:*:*"})");
+    QCOMPARE(answer.status, status);
+    if (status != 200)
+        QCOMPARE(answer.json()["code"].toInt(), int(status));
+    QCOMPARE(http.send(url, dataHeaders(token, partition.toStdString()), R"({"kind":"*:*:*:*"})").status, statusAfterwards);
+    QCOMPARE(osdu.requests().back().dataPartitionId, partition.toStdString());
+}
+
+void OsduEmulatorTest::searchMatchesKindWildcardsAndBoundsThePageOnOneConnection()
+{
+    OsduEmulator osdu;
+    osdu.seedDatasets(1200);
+    osdu.addRecord("opendes:work-product-component--SeismicTraceData:t1", "osdu:wks:work-product-component--SeismicTraceData:1.0.0", "{}");
+    osdu.start();
+    Http http;
+    const std::string token = signIn(http, osdu);
+    const Answer page = search(http, osdu, token, R"({"kind":")" + kFileCollections + R"(","limit":1000,"offset":100})");
+    const QJsonArray results = page.json()["results"].toArray();
+    QCOMPARE(page.json()["totalCount"].toInt(), 1200);
+    QCOMPARE(results.size(), 1000);
+    QCOMPARE(results.first()["id"].toString(), "opendes:dataset--FileCollection.Bluware.OpenVDS:vol-0101");
+    QCOMPARE(page.newConnections, 0L);
+    QCOMPARE(search(http, osdu, token, R"({"kind":"*:*:*:*","limit":1})").json()["totalCount"].toInt(), 1201);
+    QCOMPARE(search(http, osdu, token, R"({"kind":"osdu:wks:dataset--*:2.0.0"})").json()["totalCount"].toInt(), 0);
+
+    QCOMPARE(search(http, osdu, token, R"({"kind":")" + kFileCollections + R"(","limit":1001})").status, 400L);
+    QCOMPARE(search(http, osdu, token, R"({"kind":")" + kFileCollections + R"(","limit":1000,"offset":9001})").status, 400L);
+    QCOMPARE(search(http, osdu, token, R"({"kind":"FileCollection"})").status, 400L);
+}
+
+void OsduEmulatorTest::storageFetchesRecordsAndReportsInjectedFailures()
+{
+    OsduEmulator osdu;
+    osdu.seedDatasets(3, "s3://bucket/v/");
+    osdu.start();
+    Http http;
+    const std::string token = signIn(http, osdu);
+    const std::string records = osdu.baseUrl() + "/api/storage/v2/records/";
+    const QJsonObject record = http.send(records + encoded(osdu.seededDatasetId(2)), dataHeaders(token)).json();
+    QCOMPARE(record["data"]["Name"].toString(), "Volume 0002");
+    QCOMPARE(record["data"]["DatasetProperties"]["FileCollectionPath"].toString(), "s3://bucket/v/vol-0002/");
+    QCOMPARE(http.send(records + "opendes%3Anope", dataHeaders(token)).status, 404L);
+    osdu.failRecordFetch(osdu.seededDatasetId(3));
+    QCOMPARE(http.send(records + encoded(osdu.seededDatasetId(3)), dataHeaders(token)).status, 500L);
+
+    const std::string batch = R"({"records":[")" + osdu.seededDatasetId(1) + R"(","opendes:nope",")"
+                              + osdu.seededDatasetId(3) + R"("]})";
+    const QJsonObject found = http.send(osdu.baseUrl() + "/api/storage/v2/query/records", dataHeaders(token), batch.c_str()).json();
+    QCOMPARE(found["records"].toArray().size(), 1);
+    QCOMPARE(found["invalidRecords"].toArray(), QJsonArray{"opendes:nope"});
+    QCOMPARE(found["retryRecords"].toArray().size(), 1);
+    const std::string tooMany = R"({"records":[)" + QByteArray("\"x\",").repeated(100).toStdString() + R"("y"]})";
+    QCOMPARE(http.send(osdu.baseUrl() + "/api/storage/v2/query/records", dataHeaders(token), tooMany.c_str()).status, 400L);
+}
+
+QTEST_GUILESS_MAIN(OsduEmulatorTest)
+#include "tst_osduemulator.moc"

@@ -1,0 +1,262 @@
+// The OSDU page end to end: sign-in through a browser played by the test, the refresh token
+// kept for the next run, the search with its filter, and mounting a found dataset through FAST.
+// One initializer per process: the first test signs in, the others build on it.
+
+#include "EventBusRecorder.h"
+#include "FastEmulatorFixture.h"
+#include "MessageBoxAnswerer.h"
+#include "PanelDriver.h"
+#include "TestBrowser.h"
+
+#include <OsduEmulator.h>
+
+#include <fast/client/Fast.h>
+#include <fast/client/VirtualDrive.h>
+#include <fast/osdu/OsduFastInitializer.h>
+#include <fast/osdu/SearchInput.h>
+#include <fast/panel/OsduWidget.h>
+#include <fast/trees/FastTreeModel.h>
+#include <fast/trees/FastTreeView.h>
+
+#include <osdu/HttpResponse.h>
+#include <osdu/OsduAuthProvider.h>
+
+#include <QCryptographicHash>
+#include <QLabel>
+#include <QPushButton>
+#include <QSettings>
+#include <QUrlQuery>
+#include <QtTest>
+
+using fast::OsduFastInitializer;
+
+namespace {
+
+constexpr int kDatasets = 5;
+
+QString q(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+} // namespace
+
+class OsduPageTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void connectSignsInAndKeepsTheRefreshToken();
+    void aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits();
+    void signInFailuresAreShownInThePersonsWords();
+    void searchFiltersByNameDescriptionAndId();
+    void aFailingFetchIsLoggedAndTheOthersStillCome();
+    void onlyTheFirstThousandHitsAreExamined();
+    void aFoundDatasetIsMountedThroughFast();
+    void fastRefusingTheRegistrationStopsTheMount();
+
+private:
+    QStringList names() const;
+    void searchFor(const QString& filter);
+    QString resultLabel() const { return m_page->findChildren<QLabel*>().first()->text(); }
+
+    std::unique_ptr<FastEmulatorFixture> m_fast;
+    std::unique_ptr<emulator::OsduEmulator> m_osdu;
+    std::unique_ptr<fast::OsduWidget> m_page;
+};
+
+void OsduPageTest::initTestCase()
+{
+    m_fast = std::make_unique<FastEmulatorFixture>();
+    m_osdu = std::make_unique<emulator::OsduEmulator>();
+    m_osdu->seedDatasets(kDatasets);
+    m_osdu->start();
+    TestSettings& settings = m_fast->settings();
+    settings.set("FAST", "FAST_HOST", "127.0.0.1");
+    const QMap<QString, QString> aws{{"OSDU_CLIENT_ID", "fast-panel"},
+                                     {"OSDU_CLIENT_SECRET", "fast-panel-secret"},
+                                     {"OSDU_OAUTH_URL", q(m_osdu->authorizeUrl())},
+                                     {"OSDU_OAUTH_TOKEN_URL", q(m_osdu->tokenUrl())},
+                                     {"OSDU_CALLBACK_URL", "http://localhost"},
+                                     {"OSDU_CALLBACK_PORT", "0"},
+                                     {"OSDU_BASE_URL", q(m_osdu->baseUrl())},
+                                     {"OSDU_DATA_PARTITION_ID", "opendes"}};
+    for (auto it = aws.begin(); it != aws.end(); ++it)
+        settings.set("AWS", it.key(), it.value());
+    m_page = std::make_unique<fast::OsduWidget>(m_fast->client(), m_fast->projectDir());
+    m_page->setConnectedToFast(true); // as the panel does once FAST answers: the icon columns show
+    m_page->show();
+}
+
+QStringList OsduPageTest::names() const
+{
+    QStringList result;
+    for (const fast::VdsModel& record : m_page->treeView()->model()->vdsList())
+        result << record.name;
+    return result;
+}
+
+void OsduPageTest::searchFor(const QString& filter)
+{
+    m_page->findChild<fast::SearchInput*>()->setText(filter);
+    auto* searchButton = m_page->findChildren<QPushButton*>().at(0);
+    QTest::mouseClick(searchButton, Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(searchButton->isEnabled(), 30000);
+}
+
+void OsduPageTest::connectSignsInAndKeepsTheRefreshToken()
+{
+    EventBusRecorder bus;
+    // Made before Connect, so that the page takes this instance and its browser.
+    OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider()->setBrowserOpener(testBrowser());
+    QCOMPARE(resultLabel(), "No results");
+    QTest::mouseClick(m_page->findChildren<QPushButton*>().at(1), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(m_page->findChild<fast::SearchInput*>()->isEnabled(), 15000);
+    QVERIFY(!bus.texts(4).filter("OSDU Authentication: ").isEmpty());
+
+    QSettings settings;
+    const QByteArray fingerprint = QCryptographicHash::hash("fast-panel:fast-panel-secret", QCryptographicHash::Sha256).toBase64();
+    QCOMPARE(settings.value("AWS/OSDU_REFRESH_TOKEN_HASH").toString(), QString::fromLatin1(fingerprint));
+    QVERIFY(!settings.value("AWS/OSDU_REFRESH_TOKEN").toString().isEmpty());
+    QVERIFY(settings.value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime() > QDateTime::currentDateTime());
+}
+
+void OsduPageTest::aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits()
+{
+    const auto signInChoosesBrowser = []() -> bool {
+        OsduFastInitializer later(OsduFastInitializer::AWS);
+        bool opened = false;
+        later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
+        QSignalSpy authorized(later.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
+        QSignalSpy failed(later.authProvider().get(), &osdu::OsduAuthProvider::error);
+        later.authProvider()->authorizeAsync(5000);
+        if (!QTest::qWaitFor([&] { return authorized.size() + failed.size() > 0; }, 5000))
+            qWarning("the sign-in neither succeeded nor failed");
+        return opened;
+    };
+    const int grants = m_osdu->issuedTokens().refreshGrants;
+    QVERIFY(!signInChoosesBrowser());
+    QCOMPARE(m_osdu->issuedTokens().refreshGrants, grants + 1);
+
+    QSettings settings;
+    const QVariant expiry = settings.value("AWS/OSDU_REFRESH_TOKEN_EXPIRY");
+    settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", QDateTime::currentDateTime());
+    QVERIFY2(signInChoosesBrowser(), "a token that expires now is no longer used");
+    settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", expiry);
+    m_fast->settings().set("AWS", "OSDU_CLIENT_SECRET", "changed");
+    QVERIFY2(signInChoosesBrowser(), "a changed secret makes the stored token foreign");
+    m_fast->settings().set("AWS", "OSDU_CLIENT_SECRET", "fast-panel-secret");
+    settings.setValue("AWS/OSDU_REFRESH_TOKEN_HASH", "c29tZW9uZSBlbHNl");
+    QVERIFY2(signInChoosesBrowser(), "a token stored for other credentials is not used");
+}
+
+void OsduPageTest::signInFailuresAreShownInThePersonsWords()
+{
+    MessageBoxAnswerer boxes;
+    EventBusRecorder bus;
+    m_page->authenticationError("Sign-in was refused", "", QUrl());
+    m_page->authenticationError("Sign-in was refused", "invalid_grant", QUrl());
+    QTRY_COMPARE(boxes.boxes().size(), 2);
+    QCOMPARE(boxes.summaries(), QStringList({"Failed to connect to OSDU environment: Sign-in was refused",
+                                             "Failed to connect to OSDU environment: Sign-in was refused<br>invalid_grant"}));
+    QCOMPARE(bus.texts(3).last(), "FAST OSDU authentication error 365 : Sign-in was refused<br>invalid_grant");
+
+    // A forged answer from the browser is refused and its code never exchanged.
+    QSettings().remove("AWS/OSDU_REFRESH_TOKEN_HASH"); // force the browser
+    OsduFastInitializer forged(OsduFastInitializer::AWS);
+    forged.authProvider()->setBrowserOpener(testBrowser([](const QUrl& url) {
+        QUrl changed(url);
+        QUrlQuery query(url);
+        query.removeQueryItem("state");
+        query.addQueryItem("state", "forged");
+        changed.setQuery(query);
+        return changed;
+    }));
+    QSignalSpy failed(forged.authProvider().get(), &osdu::OsduAuthProvider::error);
+    const int exchanges = m_osdu->issuedTokens().codeExchanges;
+    QVERIFY(forged.authProvider()->authorizeAsync(5000));
+    QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 1, 15000);
+    QCOMPARE(m_osdu->issuedTokens().codeExchanges, exchanges);
+}
+
+void OsduPageTest::searchFiltersByNameDescriptionAndId()
+{
+    // The second dataset is known to FAST already.
+    const std::string registeredUrl = fast::modifyVdsFilepath("s3://fast-demo-bucket/volumes/vol-0002/");
+    const std::string vdsId = m_fast->client()->registerVds(registeredUrl)->getMessage();
+
+    searchFor("");
+    QCOMPARE(resultLabel(), "5 result(s) found");
+    QCOMPARE(names(), QStringList({"Volume 0001", "Volume 0002", "Volume 0003", "Volume 0004", "Volume 0005"}));
+    const fast::VdsModel second = *m_page->treeView()->model()->vdsAt(1);
+    QCOMPARE(q(second.vdsId), q(vdsId));
+    QCOMPARE(q(second.url), q(registeredUrl));
+    QVERIFY(m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
+
+    searchFor("volume 0003");
+    QCOMPARE(names(), QStringList{"Volume 0003"});
+    searchFor("SEISMIC VOLUME 4,");
+    QCOMPARE(names(), QStringList{"Volume 0004"});
+    searchFor("vol-0005"); // in the id alone
+    QCOMPARE(names(), QStringList{"Volume 0005"});
+    searchFor("no such volume");
+    QCOMPARE(resultLabel(), "No result");
+}
+
+void OsduPageTest::aFailingFetchIsLoggedAndTheOthersStillCome()
+{
+    const std::string failing = m_osdu->seededDatasetId(3);
+    m_osdu->failRecordFetch(failing);
+    EventBusRecorder bus;
+    searchFor("");
+    m_osdu->clearFaults();
+    QCOMPARE(names().size(), kDatasets - 1);
+    const QStringList traces = bus.texts(3);
+    const int at = traces.indexOf("FAST FileCollectionSearch performSearch exception 97");
+    QVERIFY(at >= 0);
+    QVERIFY(traces.at(at + 1).startsWith(QString("Unable to query the record with id=%1 in partition=opendes: ").arg(q(failing))));
+}
+
+void OsduPageTest::onlyTheFirstThousandHitsAreExamined()
+{
+    m_osdu->seedDatasets(1000);
+    EventBusRecorder bus;
+    searchFor("");
+    QCOMPARE(resultLabel(), "1000 result(s) found");
+    QCOMPARE(bus.texts(3).filter("About to query the record with id=").size(), 1000);
+}
+
+void OsduPageTest::aFoundDatasetIsMountedThroughFast()
+{
+    searchFor("volume 0001");
+    QSignalSpy added(m_page.get(), &fast::OsduWidget::addToExtraDataManager);
+    auto* view = m_page->treeView();
+    const QModelIndex mount = view->QTreeView::model()->index(0, 2);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(mount).center());
+    QTRY_VERIFY(openMountDialog(m_page.get()));
+    answerMountDialog(m_page.get(), "north", "Save");
+    QTRY_COMPARE(added.size(), 1);
+    QCOMPARE(added.first().at(0).toString(), "north");
+    QCOMPARE(added.first().at(1).value<fast::eVdsLocation>(), fast::OSDU);
+    QCOMPARE(m_fast->emulator().service().files().size(), std::size_t(1));
+    QVERIFY(!view->model()->vdsAt(0)->vdsId.empty());
+}
+
+void OsduPageTest::fastRefusingTheRegistrationStopsTheMount()
+{
+    searchFor("volume 0004");
+    m_fast->emulator().setFault("POST", "/api/v2/vds/", emulator::Fault{409, 0, std::string("known")});
+    MessageBoxAnswerer boxes;
+    EventBusRecorder bus;
+    auto* view = m_page->treeView();
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(view->QTreeView::model()->index(0, 2)).center());
+    QTRY_COMPARE(boxes.boxes().size(), 1);
+    QVERIFY(boxes.summaries().first().startsWith("Unable to register VDS: "));
+    QVERIFY(bus.texts(4).last().endsWith("already registered in Bluware FAST™."));
+    QVERIFY(!openMountDialog(m_page.get()));
+    m_fast->emulator().clearFaults();
+}
+
+QTEST_MAIN(OsduPageTest)
+#include "tst_osdupage.moc"

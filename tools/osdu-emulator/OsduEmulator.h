@@ -1,0 +1,131 @@
+#pragma once
+
+#include "AuthorizationServer.h"
+#include "OsduReply.h"
+#include "RecordStore.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Poco {
+class ThreadPool;
+namespace Net {
+class HTTPServer;
+}
+} // namespace Poco
+
+namespace emulator {
+
+struct OsduEmulatorOptions
+{
+    // 0 picks a free port at the first start; later starts reuse the port.
+    unsigned short port = 0;
+    std::string partition = "opendes";
+    std::string clientId = "fast-panel";
+    // Empty makes the client public: it then authenticates by its id alone.
+    std::string clientSecret = "fast-panel-secret";
+    int accessTokenSeconds = 3600;
+    int refreshTokenSeconds = 86400;
+};
+
+// One request as the emulator received it, with the headers a client is judged by.
+struct OsduRequest
+{
+    std::string method;
+    // Path and query, as sent.
+    std::string target;
+    std::string authorization;
+    std::string dataPartitionId;
+    std::string contentType;
+    std::string body;
+};
+
+// An OSDU data platform (Search v2, Storage v2) and its OAuth 2.0 authorization server on
+// 127.0.0.1 over real HTTP, for tests, benchmarks and the demo.
+class OsduEmulator
+{
+public:
+    static constexpr const char* kFileCollectionKind = "osdu:wks:dataset--FileCollection.Bluware.OpenVDS:1.0.0";
+    static constexpr const char* kDefaultSeedPrefix = "s3://fast-demo-bucket/volumes/";
+    static constexpr int kEveryRequest = -1;
+
+    explicit OsduEmulator(OsduEmulatorOptions options = {});
+    ~OsduEmulator();
+    OsduEmulator(const OsduEmulator&) = delete;
+    OsduEmulator& operator=(const OsduEmulator&) = delete;
+
+    // Throws Poco::Net::NetException when the port cannot be bound.
+    void start();
+    // Closes the port; answers held back by a delay are dropped.
+    void stop();
+    bool isRunning() const;
+    unsigned short port() const;
+    std::string baseUrl() const;
+    std::string authorizeUrl() const;
+    std::string tokenUrl() const;
+    const OsduEmulatorOptions& options() const { return m_options; }
+
+    std::vector<OsduRequest> requests() const;
+    void clearRequests();
+
+    // Records. FileSourceInfos is left out when fileSources is empty, as the platform may.
+    void addDataset(const std::string& id, const std::string& name, const std::string& description,
+                    const std::string& fileCollectionPath, const std::string& kind = kFileCollectionKind,
+                    const std::vector<std::string>& fileSources = {});
+    // dataJson is the record's "data" object as JSON text.
+    void addRecord(const std::string& id, const std::string& kind, const std::string& dataJson);
+    // File collections numbered on from those seeded before: "<partition>:dataset--FileCollection.
+    // Bluware.OpenVDS:vol-0001", "Volume 0001", folder "<prefix>vol-0001/" holding "vol-0001.vds".
+    void seedDatasets(int count, const std::string& prefix = kDefaultSeedPrefix);
+    std::string seededDatasetId(int number) const;
+    std::size_t recordCount() const;
+
+    // Failure injection; clearFaults() undoes all of it.
+    void failRecordFetch(const std::string& id);
+    // 401 to the next count search and storage requests, or to all of them from now on; 0 ends it.
+    void rejectDataRequests(int count = kEveryRequest);
+    void setTokenFault(TokenFault fault);
+    // Requests whose path begins with pathPrefix wait this long; the longest prefix wins.
+    void setDelay(const std::string& pathPrefix, int delayMs);
+    void clearFaults();
+
+    // Apply to tokens issued from now on.
+    void setAccessTokenLifetime(std::chrono::milliseconds lifetime);
+    void setRefreshTokenLifetime(std::chrono::milliseconds lifetime);
+    IssuedTokens issuedTokens() const;
+    std::string lastAuthorizeQuery() const;
+
+    // For the HTTP layer: the answer, or nothing when the emulator stopped while holding it back.
+    std::optional<OsduReply> answer(const OsduRequest& request);
+
+private:
+    OsduReply route(const OsduRequest& request, const std::string& path, const std::string& query);
+    // The refusal, or nothing when the request may read the partition's data.
+    std::optional<OsduReply> refuseAccess(const OsduRequest& request);
+    int delayFor(const std::string& path) const;
+    // False when the emulator stopped during the wait.
+    bool holdBack(int delayMs);
+
+    OsduEmulatorOptions m_options;
+    AuthorizationServer m_authorization;
+    RecordStore m_records;
+    std::unique_ptr<Poco::ThreadPool> m_threads;
+    std::unique_ptr<Poco::Net::HTTPServer> m_server;
+    unsigned short m_port = 0;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_stopped;
+    bool m_running = false;
+    std::vector<OsduRequest> m_requests;
+    std::map<std::string, int> m_delays;
+    int m_rejections = 0;
+    int m_seeded = 0;
+};
+
+} // namespace emulator

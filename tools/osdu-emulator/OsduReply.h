@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Poco {
+namespace Dynamic {
+class Var;
+}
+} // namespace Poco
+
+namespace emulator {
+
+// One answer of the OSDU emulator before it goes on the wire. Headers beyond the content type
+// matter here: redirects carry Location, refusals carry WWW-Authenticate.
+struct OsduReply
+{
+    int status = 200;
+    std::string body;
+    std::string contentType = "application/json";
+    std::vector<std::pair<std::string, std::string>> headers;
+
+    static OsduReply json(int status, const Poco::Dynamic::Var& value);
+};
+
+} // namespace emulator

@@ -1,0 +1,124 @@
+// osdu-emulator: an OSDU data platform and its OAuth 2.0 authorization server on loopback, for
+// the demo and for host developers who work without a platform.
+
+#include "OsduEmulator.h"
+
+#include <Poco/Exception.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace {
+
+const char* const kUsage =
+    "Usage: osdu-emulator [--port N] [--datasets N] [--partition P] [--client-id ID] [--client-secret S]\n"
+    "                     [--access-ttl SECONDS] [--refresh-ttl SECONDS] [--seed-prefix URL]\n"
+    "\n"
+    "Serves OAuth 2.0 (/oauth2/authorize, /oauth2/token), Search v2 (/api/search/v2/query) and\n"
+    "Storage v2 (/api/storage/v2/...) on 127.0.0.1:N until interrupted.\n"
+    "  --port N               port to listen on (default 0: a free one; it is printed)\n"
+    "  --datasets N           file collections to seed (default 20)\n"
+    "  --partition P          the data partition, checked against data-partition-id (default opendes)\n"
+    "  --client-id ID         the one registered OAuth client (default fast-panel)\n"
+    "  --client-secret S      its secret (default fast-panel-secret); \"\" makes it a public client\n"
+    "  --access-ttl SECONDS   access token lifetime (default 3600)\n"
+    "  --refresh-ttl SECONDS  refresh token lifetime (default 86400)\n"
+    "  --seed-prefix URL      where the seeded FileCollectionPaths begin\n"
+    "                         (default s3://fast-demo-bucket/volumes/)\n"
+    "  --help                 this text\n";
+
+[[noreturn]] void usageError(const std::string& message)
+{
+    std::cerr << "osdu-emulator: " << message << "\n\n" << kUsage;
+    std::exit(2);
+}
+
+long number(const std::string& option, const std::string& text, long min, long max)
+{
+    char* end = nullptr;
+    const long value = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || value < min || value > max)
+        usageError(option + " takes a whole number from " + std::to_string(min) + " to " + std::to_string(max)
+                   + ", not \"" + text + "\"");
+    return value;
+}
+
+struct Arguments
+{
+    emulator::OsduEmulatorOptions options;
+    int datasets = 20;
+    std::string seedPrefix = emulator::OsduEmulator::kDefaultSeedPrefix;
+};
+
+Arguments parse(int argc, char** argv)
+{
+    Arguments arguments;
+    emulator::OsduEmulatorOptions& options = arguments.options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string option = argv[i];
+        const auto value = [&]() -> std::string {
+            if (i + 1 >= argc)
+                usageError(option + " needs a value");
+            return argv[++i];
+        };
+        if (option == "--help" || option == "-h") {
+            std::cout << kUsage;
+            std::exit(0);
+        } else if (option == "--port") {
+            options.port = static_cast<unsigned short>(number(option, value(), 0, 65535));
+        } else if (option == "--datasets") {
+            arguments.datasets = static_cast<int>(number(option, value(), 0, 9999));
+        } else if (option == "--partition") {
+            options.partition = value();
+        } else if (option == "--client-id") {
+            options.clientId = value();
+        } else if (option == "--client-secret") {
+            options.clientSecret = value();
+        } else if (option == "--access-ttl") {
+            options.accessTokenSeconds = static_cast<int>(number(option, value(), 1, 100000000));
+        } else if (option == "--refresh-ttl") {
+            options.refreshTokenSeconds = static_cast<int>(number(option, value(), 1, 100000000));
+        } else if (option == "--seed-prefix") {
+            arguments.seedPrefix = value();
+        } else {
+            usageError("unknown option " + option);
+        }
+    }
+    if (options.partition.empty() || options.clientId.empty())
+        usageError("--partition and --client-id must not be empty");
+    return arguments;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Arguments arguments = parse(argc, argv);
+
+    sigset_t stopSignals;
+    sigemptyset(&stopSignals);
+    sigaddset(&stopSignals, SIGINT);
+    sigaddset(&stopSignals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr); // before the server's threads start
+
+    try {
+        emulator::OsduEmulator osdu(arguments.options);
+        osdu.seedDatasets(arguments.datasets, arguments.seedPrefix);
+        osdu.start();
+        std::cout << "osdu-emulator: listening on " << osdu.baseUrl() << " (partition " << arguments.options.partition
+                  << ", " << osdu.recordCount() << " file collections)\n"
+                  << "  authorize: " << osdu.authorizeUrl() << "\n"
+                  << "  token:     " << osdu.tokenUrl() << "\n"
+                  << "  client:    " << arguments.options.clientId
+                  << (arguments.options.clientSecret.empty() ? " (public)" : " (with secret)") << std::endl;
+        int received = 0;
+        sigwait(&stopSignals, &received);
+        std::cout << "osdu-emulator: stopping" << std::endl;
+    } catch (const Poco::Exception& failure) {
+        std::cerr << "osdu-emulator: " << failure.displayText() << std::endl;
+        return 1;
+    }
+    return 0;
+}
