@@ -1,0 +1,159 @@
+// A file-collection search with 1,000 hits against the OSDU emulator, against the floor: the
+// same query and 1,000 record GETs over one kept-alive connection with bare libcurl.
+
+#include "RatioReporter.h"
+
+#include <OsduEmulator.h>
+
+#include <fast/osdu/FileCollectionSearch.h>
+
+#include <osdu/AWSOsduAuthProvider.h>
+#include <osdu/OsduHttpClient.h>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
+#include <QUrl>
+
+#include <curl/curl.h>
+
+#include <memory>
+
+namespace {
+
+constexpr int kDatasets = 1000;
+
+std::size_t collect(char* data, std::size_t size, std::size_t count, void* target)
+{
+    static_cast<std::string*>(target)->append(data, size * count);
+    return size * count;
+}
+
+// The person's browser: follows the sign-in redirects back to the loopback listener.
+bool followInBrowser(const QUrl& url)
+{
+    QThread* browser = QThread::create([address = url.toEncoded()] {
+        std::string page;
+        CURL* curl = curl_easy_init();
+        curl_easy_setopt(curl, CURLOPT_URL, address.constData());
+        curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
+        curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &collect);
+        curl_easy_setopt(curl, CURLOPT_WRITEDATA, &page);
+        curl_easy_perform(curl);
+        curl_easy_cleanup(curl);
+    });
+    QObject::connect(browser, &QThread::finished, browser, &QObject::deleteLater);
+    browser->start();
+    return true;
+}
+
+struct Platform
+{
+    Platform()
+    {
+        emulator = std::make_unique<emulator::OsduEmulator>();
+        emulator->seedDatasets(kDatasets);
+        emulator->start();
+        QSettings().setValue("AWS/OSDU_DATA_PARTITION_ID", "opendes");
+
+        auto provider = std::make_shared<osdu::AWSOsduAuthProvider>(nullptr);
+        osdu::OsduAuthProviderInitParams params;
+        params.clientId = emulator->options().clientId;
+        params.clientSecret = emulator->options().clientSecret;
+        params.oauthUrl = emulator->authorizeUrl();
+        params.oauthTokenUrl = emulator->tokenUrl();
+        params.scope = "openid email";
+        params.callbackUrl = "http://localhost";
+        params.callbackPort = 0;
+        provider->initialize(params);
+        provider->setBrowserOpener(&followInBrowser);
+        QEventLoop signedIn;
+        QObject::connect(provider.get(), &osdu::OsduAuthProvider::userAuthorized, &signedIn, &QEventLoop::quit);
+        QObject::connect(provider.get(), &osdu::OsduAuthProvider::error, &signedIn, [&signedIn] { signedIn.exit(1); });
+        QTimer::singleShot(30000, &signedIn, [&signedIn] { signedIn.exit(2); });
+        provider->authorizeAsync(10000);
+        if (signedIn.exec() != 0)
+            qFatal("the benchmark could not sign in to the OSDU emulator");
+        client = std::make_shared<osdu::OsduHttpClient>(emulator->baseUrl(), provider, nullptr);
+        search = fast::createFileCollectionSearch(client);
+        token = provider->accessToken();
+        auth = provider;
+    }
+
+    std::unique_ptr<emulator::OsduEmulator> emulator;
+    std::shared_ptr<osdu::OsduAuthProvider> auth;
+    std::shared_ptr<osdu::OsduHttpClient> client;
+    std::shared_ptr<fast::FileCollectionSearch> search;
+    std::string token;
+};
+
+Platform& platform()
+{
+    static Platform instance;
+    return instance;
+}
+
+void fileCollectionSearch(benchmark::State& state)
+{
+    Platform& p = platform();
+    std::size_t found = 0;
+    for (auto _ : state)
+        p.search->performSearch("AWS", "", [&found](std::shared_ptr<osdu::StorageRecordCollection> results) {
+            found = results->size();
+        });
+    if (found != kDatasets)
+        state.SkipWithError("the search did not find every dataset");
+}
+
+// The same conversation with nothing on top: one query, then one GET per hit, one connection.
+void bareCurlFloor(benchmark::State& state)
+{
+    Platform& p = platform();
+    const std::string base = p.emulator->baseUrl();
+    curl_slist* headers = nullptr;
+    headers = curl_slist_append(headers, ("Authorization: Bearer " + p.token).c_str());
+    headers = curl_slist_append(headers, "data-partition-id: opendes");
+    headers = curl_slist_append(headers, "Content-Type: application/json");
+    CURL* curl = curl_easy_init();
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers);
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &collect);
+    for (auto _ : state) {
+        std::string body;
+        curl_easy_setopt(curl, CURLOPT_WRITEDATA, &body);
+        curl_easy_setopt(curl, CURLOPT_URL, (base + "/api/search/v2/query").c_str());
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDS, "{\"kind\":\"osdu:wks:dataset--FileCollection.Bluware.*:1.0.0\",\"limit\":1000}");
+        curl_easy_perform(curl);
+        curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
+        for (int n = 1; n <= kDatasets; ++n) {
+            std::string record;
+            curl_easy_setopt(curl, CURLOPT_WRITEDATA, &record);
+            char* id = curl_easy_escape(curl, p.emulator->seededDatasetId(n).c_str(), 0);
+            curl_easy_setopt(curl, CURLOPT_URL, (base + "/api/storage/v2/records/" + id).c_str());
+            curl_free(id);
+            curl_easy_perform(curl);
+        }
+    }
+    curl_easy_cleanup(curl);
+    curl_slist_free_all(headers);
+}
+
+} // namespace
+
+BENCHMARK(fileCollectionSearch)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(bareCurlFloor)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QTemporaryDir settings;
+    QCoreApplication::setOrganizationName("FastPanelBench");
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+    return runWithRatios(argc, argv,
+                         {{"file-collection search / bare libcurl floor, 1,000 hits", "fileCollectionSearch",
+                           "bareCurlFloor", 1.2}});
+}
