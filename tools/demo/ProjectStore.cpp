@@ -45,6 +45,12 @@ QSet<QString> ProjectStore::addedPaths(fast::eVdsLocation location) const
     return paths;
 }
 
+bool ProjectStore::holds(const QString& name, fast::eVdsLocation location) const
+{
+    return std::any_of(m_added.begin(), m_added.end(),
+                       [&](const AddedFile& file) { return file.name == name && file.location == location; });
+}
+
 QStringList ProjectStore::folderFiles() const
 {
     return QDir(m_folder).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);

@@ -30,6 +30,7 @@ public:
     QList<AddedFile> addedFiles() const { return m_added; }
     // The paths of the added files that came from this location, as fillTrees takes them.
     QSet<QString> addedPaths(fast::eVdsLocation location) const;
+    bool holds(const QString& name, fast::eVdsLocation location) const;
     // Plain files of the folder, without the demo's own list.
     QStringList folderFiles() const;
 

@@ -32,16 +32,7 @@ namespace {
 constexpr int kFirstPollTimeoutMs = 8000;
 // The mount dialog gives FAST up to 10 s to write the link it renames.
 constexpr int kMountTimeoutMs = 15000;
-constexpr int kTourTimeoutMs = 90000;
-
-bool holds(const ProjectStore& project, const QString& name, fast::eVdsLocation location)
-{
-    for (const ProjectStore::AddedFile& file : project.addedFiles()) {
-        if (file.name == name && file.location == location)
-            return true;
-    }
-    return false;
-}
+constexpr int kTourTimeoutMs = 150000;
 
 } // namespace
 
@@ -180,7 +171,7 @@ void ScriptedTour::save()
 
 void ScriptedTour::afterMount()
 {
-    if (!holds(*m_window->project(), m_mountedName, fast::LOCAL_FILE))
+    if (!m_window->project()->holds(m_mountedName, fast::LOCAL_FILE))
         return fail(tr("the project does not hold %1 as a local file").arg(m_mountedName));
     say(tr("mounted; the project now holds \"%1\" (local file)").arg(m_mountedName));
     // As a user would open the volume to see its new file.
@@ -220,12 +211,12 @@ void ScriptedTour::unmount()
 
 void ScriptedTour::afterUnmount()
 {
-    if (holds(*m_window->project(), m_mountedName, fast::LOCAL_FILE))
+    if (m_window->project()->holds(m_mountedName, fast::LOCAL_FILE))
         return fail(tr("the project still holds %1").arg(m_mountedName));
     say(tr("unmounted; the project no longer holds \"%1\"").arg(m_mountedName));
     settleThen([this] {
         if (shootStep(QStringLiteral("4-unmounted.png")))
-            succeed();
+            osduSignIn();
     });
 }
 

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <string>
 
 class DemoWindow;
 
@@ -14,15 +15,17 @@ struct TourOptions
 {
     // The window once a volume is mounted.
     QString screenshotFile;
-    // Numbered pictures of every step; the tour then also unmounts the volume.
+    // Numbered pictures of every step; the tour then also unmounts the volume, signs in to
+    // OSDU, searches and mounts a dataset.
     QString tourDir;
     // The .vds to mount; a made-up one when empty.
     QString samplePath;
 };
 
 // Drives the panel as a user would, without a person: waits for FAST, registers and mounts one
-// local volume (answering the mount dialog), optionally unmounts it, and takes pictures on the
-// way. It checks what the host must see at each step and fails with a readable reason.
+// local volume (answering the mount dialog), optionally unmounts it and goes on to the OSDU
+// page, and takes pictures on the way. It checks what the host must see at each step and fails
+// with a readable reason. The OSDU steps live in ScriptedTourOsdu.cpp.
 class ScriptedTour : public QObject
 {
     Q_OBJECT
@@ -46,6 +49,13 @@ private:
     void afterMount();
     void unmount();
     void afterUnmount();
+
+    void osduSignIn();
+    void osduSearch();
+    void afterOsduSearch();
+    void osduMount();
+    void afterOsduMount();
+
     void succeed();
     void fail(const QString& reason);
 
@@ -60,6 +70,8 @@ private:
     QString m_sample;
     QString m_mountedName;
     QString m_removedName;
+    QString m_osduFileName;
+    std::string m_osduDatasetUrl;
     QStringList m_messageBoxes;
     QTimer m_boxWatch;
     bool m_done = false;

@@ -53,7 +53,10 @@ int main(int argc, char** argv)
         "screenshot",
         "Wait for FAST, register and mount one local volume, write a picture of the window to FILE and exit.", "FILE");
     const QCommandLineOption tourOption(
-        "tour", "Like --screenshot, then unmount the volume again; numbered pictures of every step go to DIR.", "DIR");
+        "tour",
+        "Like --screenshot, then unmount the volume again, sign in to OSDU (when its settings are there), search "
+        "and mount a dataset; numbered pictures of every step go to DIR.",
+        "DIR");
     const QCommandLineOption mountOption(
         "mount", "The .vds file that --screenshot and --tour mount. Default: a made-up one.", "PATH");
     parser.addOptions({projectOption, screenshotOption, tourOption, mountOption});
