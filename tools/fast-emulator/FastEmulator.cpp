@@ -4,14 +4,11 @@
 #include <Poco/FileStream.h>
 #include <Poco/Net/HTTPRequestHandler.h>
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
-#include <Poco/Net/HTTPServer.h>
-#include <Poco/Net/HTTPServerParams.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerRequestImpl.h>
+#include <Poco/Net/StreamSocket.h>
 #include <Poco/Net/HTTPServerResponse.h>
-#include <Poco/Net/ServerSocket.h>
 #include <Poco/StreamCopier.h>
-#include <Poco/ThreadPool.h>
 #include <Poco/Util/Timer.h>
 #include <Poco/Util/TimerTask.h>
 
@@ -102,7 +99,7 @@ FastEmulator::FastEmulator(EmulatorOptions options)
                 [this](const std::string& linkFile, const std::string& driveFile) {
                     scheduleLink(linkFile, driveFile);
                 }),
-      m_port(m_options.port)
+      m_http(m_options.port)
 {
 }
 
@@ -114,51 +111,22 @@ FastEmulator::~FastEmulator()
 
 void FastEmulator::start()
 {
-    if (isRunning())
-        return;
-    Poco::Net::ServerSocket socket;
-    socket.bind(Poco::Net::SocketAddress("127.0.0.1", m_port), true);
-    socket.listen(64);
-    m_port = socket.address().port();
-
-    auto params = new Poco::Net::HTTPServerParams;
-    params->setMaxThreads(16);
-    params->setMaxQueued(256);
-    params->setKeepAlive(true);
-    m_threads = std::make_unique<Poco::ThreadPool>(2, 16);
-    m_server = std::make_unique<Poco::Net::HTTPServer>(new HandlerFactory(*this), *m_threads, socket, params);
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_running = true;
-    }
-    m_server->start();
+    m_http.start(new HandlerFactory(*this));
 }
 
 void FastEmulator::stop()
 {
-    if (!m_server)
-        return;
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_running = false;
-    }
-    m_stopped.notify_all();
-    m_server->stopAll(true);
-    m_server.reset();
-    // Handlers refer to this object: none may outlive it.
-    m_threads->joinAll();
-    m_threads.reset();
+    m_http.stop();
 }
 
 bool FastEmulator::isRunning() const
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_running;
+    return m_http.isRunning();
 }
 
 unsigned short FastEmulator::port() const
 {
-    return m_port;
+    return m_http.port();
 }
 
 std::vector<LoggedRequest> FastEmulator::requests() const
@@ -194,7 +162,7 @@ std::optional<Reply> FastEmulator::answer(const std::string& method, const std::
         m_requests.push_back({method, target, body});
     }
     fault = faultFor(method, pathOf(target));
-    if (fault && fault->delayMs > 0 && !holdBack(fault->delayMs))
+    if (fault && fault->delayMs > 0 && !m_http.holdBack(fault->delayMs))
         return std::nullopt;
 
     Reply reply;
@@ -217,12 +185,6 @@ std::optional<Fault> FastEmulator::faultFor(const std::string& method, const std
             best = &candidate;
     }
     return best ? std::optional<Fault>(best->fault) : std::nullopt;
-}
-
-bool FastEmulator::holdBack(int delayMs)
-{
-    std::unique_lock<std::mutex> lock(m_mutex);
-    return !m_stopped.wait_for(lock, std::chrono::milliseconds(delayMs), [this] { return !m_running; });
 }
 
 void FastEmulator::scheduleLink(const std::string& linkFile, const std::string& driveFile)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "LoopbackHttpServer.h"
 #include "FastService.h"
 
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -10,10 +10,6 @@
 #include <vector>
 
 namespace Poco {
-class ThreadPool;
-namespace Net {
-class HTTPServer;
-}
 namespace Util {
 class Timer;
 }
@@ -81,20 +77,14 @@ public:
 
 private:
     std::optional<Fault> faultFor(const std::string& method, const std::string& path) const;
-    // False when the emulator stopped during the wait.
-    bool holdBack(int delayMs);
     void scheduleLink(const std::string& linkFile, const std::string& driveFile);
 
     EmulatorOptions m_options;
     std::unique_ptr<Poco::Util::Timer> m_linkTimer;
     FastService m_service;
-    std::unique_ptr<Poco::ThreadPool> m_threads;
-    std::unique_ptr<Poco::Net::HTTPServer> m_server;
-    unsigned short m_port = 0;
+    LoopbackHttpServer m_http;
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_stopped;
-    bool m_running = false;
     std::vector<LoggedRequest> m_requests;
     struct RouteFault
     {

@@ -4,15 +4,12 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/Net/HTTPRequestHandler.h>
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
-#include <Poco/Net/HTTPServer.h>
-#include <Poco/Net/HTTPServerParams.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerRequestImpl.h>
+#include <Poco/Net/StreamSocket.h>
 #include <Poco/Net/HTTPServerResponse.h>
-#include <Poco/Net/ServerSocket.h>
 #include <Poco/StreamCopier.h>
 #include <Poco/String.h>
-#include <Poco/ThreadPool.h>
 #include <Poco/URI.h>
 
 #include <cstdio>
@@ -114,7 +111,7 @@ OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
       m_authorization({m_options.clientId, m_options.clientSecret, std::chrono::seconds(m_options.accessTokenSeconds),
                        std::chrono::seconds(m_options.refreshTokenSeconds)}),
       m_records(m_options.partition),
-      m_port(m_options.port)
+      m_http(m_options.port)
 {
 }
 
@@ -125,56 +122,27 @@ OsduEmulator::~OsduEmulator()
 
 void OsduEmulator::start()
 {
-    if (isRunning())
-        return;
-    Poco::Net::ServerSocket socket;
-    socket.bind(Poco::Net::SocketAddress("127.0.0.1", m_port), true);
-    socket.listen(64);
-    m_port = socket.address().port();
-
-    auto params = new Poco::Net::HTTPServerParams;
-    params->setMaxThreads(16);
-    params->setMaxQueued(256);
-    params->setKeepAlive(true);
-    m_threads = std::make_unique<Poco::ThreadPool>(2, 16);
-    m_server = std::make_unique<Poco::Net::HTTPServer>(new HandlerFactory(*this), *m_threads, socket, params);
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_running = true;
-    }
-    m_server->start();
+    m_http.start(new HandlerFactory(*this));
 }
 
 void OsduEmulator::stop()
 {
-    if (!m_server)
-        return;
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_running = false;
-    }
-    m_stopped.notify_all();
-    m_server->stopAll(true);
-    m_server.reset();
-    // Handlers refer to this object: none may outlive it.
-    m_threads->joinAll();
-    m_threads.reset();
+    m_http.stop();
 }
 
 bool OsduEmulator::isRunning() const
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_running;
+    return m_http.isRunning();
 }
 
 unsigned short OsduEmulator::port() const
 {
-    return m_port;
+    return m_http.port();
 }
 
 std::string OsduEmulator::baseUrl() const
 {
-    return "http://127.0.0.1:" + std::to_string(m_port);
+    return "http://127.0.0.1:" + std::to_string(port());
 }
 
 std::string OsduEmulator::authorizeUrl() const
@@ -315,7 +283,7 @@ std::optional<OsduReply> OsduEmulator::answer(const OsduRequest& request)
     const std::string path = request.target.substr(0, queryAt);
     const std::string query = queryAt == std::string::npos ? std::string() : request.target.substr(queryAt + 1);
     const int delayMs = delayFor(path);
-    if (delayMs > 0 && !holdBack(delayMs))
+    if (delayMs > 0 && !m_http.holdBack(delayMs))
         return std::nullopt;
     return route(request, path, query);
 }
@@ -390,12 +358,6 @@ int OsduEmulator::delayFor(const std::string& path) const
         }
     }
     return delayMs;
-}
-
-bool OsduEmulator::holdBack(int delayMs)
-{
-    std::unique_lock<std::mutex> lock(m_mutex);
-    return !m_stopped.wait_for(lock, std::chrono::milliseconds(delayMs), [this] { return !m_running; });
 }
 
 } // namespace emulator

@@ -1,24 +1,17 @@
 #pragma once
 
+#include "LoopbackHttpServer.h"
 #include "AuthorizationServer.h"
 #include "OsduReply.h"
 #include "RecordStore.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
-
-namespace Poco {
-class ThreadPool;
-namespace Net {
-class HTTPServer;
-}
-} // namespace Poco
 
 namespace emulator {
 
@@ -109,19 +102,13 @@ private:
     // The refusal, or nothing when the request may read the partition's data.
     std::optional<OsduReply> refuseAccess(const OsduRequest& request);
     int delayFor(const std::string& path) const;
-    // False when the emulator stopped during the wait.
-    bool holdBack(int delayMs);
 
     OsduEmulatorOptions m_options;
     AuthorizationServer m_authorization;
     RecordStore m_records;
-    std::unique_ptr<Poco::ThreadPool> m_threads;
-    std::unique_ptr<Poco::Net::HTTPServer> m_server;
-    unsigned short m_port = 0;
+    LoopbackHttpServer m_http;
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_stopped;
-    bool m_running = false;
     std::vector<OsduRequest> m_requests;
     std::map<std::string, int> m_delays;
     int m_rejections = 0;
