@@ -1,5 +1,7 @@
 #include "RatioReporter.h"
 
+#include "BenchSummary.h"
+
 #include <cstdio>
 
 RatioReporter::RatioReporter(std::vector<Ratio> ratios) : m_ratios(std::move(ratios)) {}
@@ -31,6 +33,7 @@ bool RatioReporter::printRatios() const
         const double value = measured->second / baseline->second;
         const bool met = value <= ratio.goal;
         allMet = allMet && met;
+        addToBenchSummary(ratio.label, value, ratio.goal);
         std::printf("%-52s %8.2f %8.2f  %s\n", ratio.label.c_str(), value, ratio.goal, met ? "met" : "MISSED");
     }
     return allMet;

@@ -10,7 +10,12 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
+# A sanitized library needs its runtime loaded first, so the consumer is built the same way.
+set(consumer_flags "")
+if(SANITIZE)
+  set(consumer_flags "-DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE}")
+endif()
 run(${CMAKE_COMMAND} -S "${CONSUMER_DIR}" -B "${WORK_DIR}/build" -G "${GENERATOR}"
-    "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
+    "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix" ${consumer_flags})
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 run("${WORK_DIR}/build/consumer")
