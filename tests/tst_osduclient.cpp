@@ -97,10 +97,16 @@ struct Signals
     QSignalSpy authorized, errors, infos;
 };
 
+emulator::OsduEmulatorOptions withSecret(const std::string& secret)
+{
+    emulator::OsduEmulatorOptions options;
+    options.clientSecret = secret;
+    return options;
+}
+
 struct Platform
 {
-    explicit Platform(bool aws = false, const std::string& secret = Secret)
-        : server({0, "opendes", "fast-panel", secret, 3600, 86400})
+    explicit Platform(bool aws = false, const std::string& secret = Secret) : server(withSecret(secret))
     {
         server.start();
         provider = aws ? std::shared_ptr<OsduAuthProvider>(std::make_shared<osdu::AWSOsduAuthProvider>())

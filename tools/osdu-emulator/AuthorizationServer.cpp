@@ -200,7 +200,7 @@ OsduReply AuthorizationServer::authorize(const std::string& rawQuery)
     if (!isPkceText(challenge, 43, 43))
         return errorRedirect(redirectUri, "invalid_request", "code_challenge is not a base64url SHA-256 digest", state);
 
-    const std::string code = randomToken();
+    const std::string code = newSecret("code");
     m_codes[code] = {m_config.clientId, redirectUri, challenge, valueOf(query, "scope"), Clock::now() + kCodeLifetime};
     std::vector<std::pair<std::string, std::string>> parameters{{"code", code}};
     if (!state.empty())
@@ -286,8 +286,8 @@ OsduReply AuthorizationServer::issue(const std::string& clientId, const std::str
 {
     const Clock::time_point now = Clock::now();
     forgetExpired(now);
-    const std::string accessToken = randomToken();
-    const std::string refreshToken = randomToken();
+    const std::string accessToken = newSecret("access");
+    const std::string refreshToken = newSecret("refresh");
     m_accessTokens[accessToken] = {clientId, scope, now + m_config.accessTokenLifetime};
     m_refreshTokens[refreshToken] = {clientId, scope, now + m_config.refreshTokenLifetime};
 
@@ -299,11 +299,19 @@ OsduReply AuthorizationServer::issue(const std::string& clientId, const std::str
     body->set("token_type", std::string("Bearer"));
     body->set("expires_in", wholeSeconds(m_config.accessTokenLifetime));
     body->set("refresh_token", refreshToken);
-    body->set("refresh_token_expires_in", wholeSeconds(m_config.refreshTokenLifetime));
+    if (m_config.announceRefreshTokenLifetime)
+        body->set("refresh_token_expires_in", wholeSeconds(m_config.refreshTokenLifetime));
     body->set("scope", scope);
     OsduReply reply = OsduReply::json(200, body);
     reply.headers = {{"Cache-Control", "no-store"}, {"Pragma", "no-cache"}};
     return reply;
+}
+
+std::string AuthorizationServer::newSecret(const char* kind)
+{
+    if (m_config.issuedPrefix.empty())
+        return randomToken();
+    return m_config.issuedPrefix + kind + '-' + std::to_string(++m_secretsIssued);
 }
 
 void AuthorizationServer::forgetExpired(Clock::time_point now)

@@ -34,6 +34,9 @@ public:
         std::string clientSecret;
         std::chrono::milliseconds accessTokenLifetime = std::chrono::hours(1);
         std::chrono::milliseconds refreshTokenLifetime = std::chrono::hours(24);
+        bool announceRefreshTokenLifetime = true;
+        // Empty: random codes and tokens; else this text, the kind and a running number.
+        std::string issuedPrefix;
     };
 
     explicit AuthorizationServer(Config config);
@@ -72,11 +75,13 @@ private:
     OsduReply refresh(const Form& form, const std::string& clientId);
     OsduReply issue(const std::string& clientId, const std::string& scope);
     void forgetExpired(Clock::time_point now);
+    std::string newSecret(const char* kind);
 
     mutable std::mutex m_mutex;
     Config m_config;
     TokenFault m_fault = TokenFault::None;
     IssuedTokens m_issued;
+    int m_secretsIssued = 0;
     std::string m_lastAuthorizeQuery;
     std::map<std::string, PendingCode> m_codes;
     // Kept so that a replayed code is told apart from a made-up one.

@@ -109,7 +109,8 @@ std::string fourDigits(int number)
 OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
     : m_options(std::move(options)),
       m_authorization({m_options.clientId, m_options.clientSecret, std::chrono::seconds(m_options.accessTokenSeconds),
-                       std::chrono::seconds(m_options.refreshTokenSeconds)}),
+                       std::chrono::seconds(m_options.refreshTokenSeconds), m_options.announceRefreshTokenLifetime,
+                       m_options.issuedPrefix}),
       m_records(m_options.partition),
       m_http(m_options.port)
 {
@@ -227,10 +228,11 @@ void OsduEmulator::failRecordFetch(const std::string& id)
     m_records.setFailing(id);
 }
 
-void OsduEmulator::rejectDataRequests(int count)
+void OsduEmulator::rejectDataRequests(int count, int servedFirst)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     m_rejections = count;
+    m_servedBeforeRejecting = servedFirst;
 }
 
 void OsduEmulator::setTokenFault(TokenFault fault)
@@ -250,6 +252,7 @@ void OsduEmulator::clearFaults()
     m_authorization.setTokenFault(TokenFault::None);
     std::lock_guard<std::mutex> lock(m_mutex);
     m_rejections = 0;
+    m_servedBeforeRejecting = 0;
     m_delays.clear();
 }
 
@@ -326,7 +329,9 @@ std::optional<OsduReply> OsduEmulator::refuseAccess(const OsduRequest& request)
 {
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_rejections != 0) {
+        if (m_rejections != 0 && m_servedBeforeRejecting > 0) {
+            --m_servedBeforeRejecting;
+        } else if (m_rejections != 0) {
             if (m_rejections > 0)
                 --m_rejections;
             return unauthorized("The access token was rejected (injected)", "Bearer error=\"invalid_token\"");

@@ -25,6 +25,12 @@ struct OsduEmulatorOptions
     std::string clientSecret = "fast-panel-secret";
     int accessTokenSeconds = 3600;
     int refreshTokenSeconds = 86400;
+    // Entra ID and Cognito do not say how long a refresh token lasts; false answers as they do.
+    bool announceRefreshTokenLifetime = true;
+    // When set, codes and tokens are this text plus "code-", "access-" or "refresh-" and a running
+    // number instead of random text, so that a test knows each one and can look for it wherever
+    // it must not turn up.
+    std::string issuedPrefix;
 };
 
 // One request as the emulator received it, with the headers a client is judged by.
@@ -81,8 +87,9 @@ public:
 
     // Failure injection; clearFaults() undoes all of it.
     void failRecordFetch(const std::string& id);
-    // 401 to the next count search and storage requests, or to all of them from now on; 0 ends it.
-    void rejectDataRequests(int count = kEveryRequest);
+    // 401 to the next count search and storage requests, or to all of them, once the next
+    // servedFirst have been answered as usual (a token revoked in the middle of a search); 0 ends it.
+    void rejectDataRequests(int count = kEveryRequest, int servedFirst = 0);
     void setTokenFault(TokenFault fault);
     // Requests whose path begins with pathPrefix wait this long; the longest prefix wins.
     void setDelay(const std::string& pathPrefix, int delayMs);
@@ -112,6 +119,7 @@ private:
     std::vector<OsduRequest> m_requests;
     std::map<std::string, int> m_delays;
     int m_rejections = 0;
+    int m_servedBeforeRejecting = 0;
     int m_seeded = 0;
 };
 

@@ -1,0 +1,320 @@
+// Secrets stay secret. Through a sign-in in the browser, a sign-in with the stored session, a
+// search with token renewals and sign-ins that fail, no client secret, authorization code or
+// token turns up in an event-bus message, a signal's or exception's text, a message box, a Qt log
+// message or a file the program wrote, except the refresh token in its own settings record. The
+// sign-in's listener takes connections on the loopback interface only, and only while a sign-in
+// waits for it. (A callback whose state differs is refused and its code never exchanged:
+// tst_osduclient, also labelled security.)
+
+#include "EventBusRecorder.h"
+#include "FastEmulatorFixture.h"
+#include "MessageBoxAnswerer.h"
+#include "SignInWatch.h"
+#include "TestBrowser.h"
+
+#include <OsduEmulator.h>
+
+#include <fast/osdu/OsduFastInitializer.h>
+#include <fast/osdu/SearchInput.h>
+#include <fast/panel/OsduWidget.h>
+
+#include <osdu/AWSOsduAuthProvider.h>
+#include <osdu/OsduAuthProvider.h>
+
+#include <QDirIterator>
+#include <QLabel>
+#include <QLoggingCategory>
+#include <QNetworkInterface>
+#include <QPushButton>
+#include <QSettings>
+#include <QUrlQuery>
+#include <QtTest>
+
+#include <mutex>
+
+using fast::OsduFastInitializer;
+
+namespace {
+
+const std::string kClientId = "fast-panel";
+const std::string kClientSecret = "cl1ent-S3cret-Wq8Zr";
+// Every code and token the emulator issues begins with this.
+const std::string kIssued = "Zt4Xk-";
+
+QString q(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+// Everything Qt logs, from any thread, while the tests run.
+std::mutex g_logMutex;
+QStringList g_logged;
+QtMessageHandler g_previousHandler = nullptr;
+
+void recordMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    {
+        const std::lock_guard<std::mutex> lock(g_logMutex);
+        g_logged << text;
+    }
+    if (type != QtDebugMsg && type != QtInfoMsg && g_previousHandler)
+        g_previousHandler(type, context, text);
+}
+
+QStringList logged()
+{
+    const std::lock_guard<std::mutex> lock(g_logMutex);
+    return g_logged;
+}
+
+// The local addresses of the TCP sockets listening on port, as the kernel lists them (hex).
+QStringList listeningAddresses(quint16 port)
+{
+    QStringList addresses;
+    for (const QString& table : {QStringLiteral("/proc/net/tcp"), QStringLiteral("/proc/net/tcp6")}) {
+        QFile file(table);
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            const QList<QByteArray> fields = line.simplified().split(' ');
+            const int colon = fields.value(1).indexOf(':');
+            if (fields.size() > 3 && fields[3] == "0A" && fields[1].mid(colon + 1).toUInt(nullptr, 16) == port)
+                addresses << QString::fromLatin1(fields[1].left(colon));
+        }
+    }
+    return addresses;
+}
+
+} // namespace
+
+class SecretsTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SecretsTest(const QString& scratch) : m_scratch(scratch) {}
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void aFirstRunSignsInThroughTheBrowserListeningOnLoopbackOnly();
+    void thisRunSignsInWithTheStoredSessionAndSearches();
+    void failedBrowserSignInsLeaveNothingListening_data();
+    void failedBrowserSignInsLeaveNothingListening();
+    void aSpentStoredSessionIsRefused();
+    void noSecretTurnsUpInAnyMessageOrFile();
+
+private:
+    // Keeps whatever the provider says, for the last test to search.
+    void hear(osdu::OsduAuthProvider* provider);
+
+    QString m_scratch;
+    EventBusRecorder m_bus;
+    MessageBoxAnswerer m_boxes;
+    QStringList m_said;
+    SignInWatch m_browser;
+    std::unique_ptr<FastEmulatorFixture> m_fast;
+    std::unique_ptr<emulator::OsduEmulator> m_osdu;
+    std::unique_ptr<fast::OsduWidget> m_page;
+};
+
+void SecretsTest::initTestCase()
+{
+    g_previousHandler = qInstallMessageHandler(&recordMessage);
+    // Qt's own categories too: a secret must not reach a debug line either.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=true"));
+    m_fast = std::make_unique<FastEmulatorFixture>();
+    emulator::OsduEmulatorOptions options;
+    options.clientSecret = kClientSecret;
+    options.issuedPrefix = kIssued;
+    m_osdu = std::make_unique<emulator::OsduEmulator>(options);
+    m_osdu->seedDatasets(4);
+    m_osdu->start();
+    TestSettings& settings = m_fast->settings();
+    settings.set("FAST", "FAST_HOST", "127.0.0.1");
+    const QMap<QString, QString> aws{{"OSDU_CLIENT_ID", q(kClientId)},
+                                     {"OSDU_CLIENT_SECRET", q(kClientSecret)},
+                                     {"OSDU_OAUTH_URL", q(m_osdu->authorizeUrl())},
+                                     {"OSDU_OAUTH_TOKEN_URL", q(m_osdu->tokenUrl())},
+                                     {"OSDU_CALLBACK_URL", "http://127.0.0.1"},
+                                     {"OSDU_CALLBACK_PORT", "0"},
+                                     {"OSDU_BASE_URL", q(m_osdu->baseUrl())},
+                                     {"OSDU_DATA_PARTITION_ID", "opendes"}};
+    for (auto it = aws.begin(); it != aws.end(); ++it)
+        settings.set("AWS", it.key(), it.value());
+}
+
+void SecretsTest::cleanupTestCase()
+{
+    QLoggingCategory::setFilterRules(QString());
+    qInstallMessageHandler(g_previousHandler);
+}
+
+void SecretsTest::hear(osdu::OsduAuthProvider* provider)
+{
+    connect(provider, &osdu::OsduAuthProvider::info, this, [this](const QString& message) { m_said << message; });
+    connect(provider, &osdu::OsduAuthProvider::error, this,
+            [this](const QString& message, const QString& details, const QUrl& url) {
+                m_said << message << details << url.toString();
+            });
+}
+
+void SecretsTest::aFirstRunSignsInThroughTheBrowserListeningOnLoopbackOnly()
+{
+    OsduFastInitializer firstRun(OsduFastInitializer::AWS);
+    osdu::OsduAuthProvider* provider = firstRun.authProvider().get();
+    provider->setBrowserOpener(m_browser.opener(nullptr)); // the page is visited below
+    hear(provider);
+    QSignalSpy authorized(provider, &osdu::OsduAuthProvider::userAuthorized);
+    QVERIFY(provider->authorizeAsync(5000));
+
+    const quint16 port = m_browser.callbackPort();
+    QVERIFY(port != 0);
+    QVERIFY(acceptsConnections(QHostAddress::LocalHost, port));
+    for (const QHostAddress& address : QNetworkInterface::allAddresses()) {
+        if (!address.isLoopback() && !address.isLinkLocal())
+            QVERIFY2(!acceptsConnections(address, port), qPrintable(address.toString()));
+    }
+    if (QFile::exists("/proc/net/tcp"))
+        QCOMPARE(listeningAddresses(port), QStringList{"0100007F"}); // 127.0.0.1 and nothing else
+
+    testBrowser()(m_browser.lastPage());
+    QVERIFY(authorized.wait(15000));
+    QVERIFY(!acceptsConnections(QHostAddress::LocalHost, port));
+    QVERIFY(QSettings().value("AWS/OSDU_REFRESH_TOKEN").toString().startsWith(q(kIssued + "refresh-")));
+}
+
+void SecretsTest::thisRunSignsInWithTheStoredSessionAndSearches()
+{
+    m_page = std::make_unique<fast::OsduWidget>(m_fast->client(), m_fast->projectDir());
+    osdu::OsduAuthProvider* provider = OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider().get();
+    bool opened = false;
+    provider->setBrowserOpener(forbiddenBrowser(&opened));
+    hear(provider);
+    QTest::mouseClick(m_page->findChildren<QPushButton*>().at(1), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(m_page->findChild<fast::SearchInput*>()->isEnabled(), 15000);
+    QVERIFY(!opened);
+    QCOMPARE(m_osdu->issuedTokens().refreshGrants, 1);
+
+    // The second fetch is turned away before and after a renewal and given up; the third is
+    // turned away once and served after its renewal.
+    m_osdu->rejectDataRequests(3, 2);
+    auto* searchButton = m_page->findChildren<QPushButton*>().at(0);
+    QTest::mouseClick(searchButton, Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(searchButton->isEnabled(), 30000);
+    QCOMPARE(m_page->findChildren<QLabel*>().first()->text(), "3 result(s) found");
+    QVERIFY(m_osdu->issuedTokens().refreshGrants > 2); // renewed during the search
+    QCOMPARE(m_bus.texts(3).filter("status 401").size(), 1);
+}
+
+void SecretsTest::failedBrowserSignInsLeaveNothingListening_data()
+{
+    QTest::addColumn<bool>("silentTokenEndpoint");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("details");
+    QTest::newRow("refused by the authorization server")
+        << false << "Sign-in was refused by the authorization server"
+        << "invalid_request: code_challenge_method must be S256";
+    QTest::newRow("code exchange timed out") << true << "Unable to reach the authorization server" << "Operation timed out";
+}
+
+void SecretsTest::failedBrowserSignInsLeaveNothingListening()
+{
+    QFETCH(bool, silentTokenEndpoint);
+    QFETCH(QString, message);
+    QFETCH(QString, details);
+    osdu::AWSOsduAuthProvider provider;
+    provider.initialize({kClientId, kClientSecret, m_osdu->authorizeUrl(), m_osdu->tokenUrl(), "openid email", {},
+                         "http://127.0.0.1", 0, {}});
+    const auto weakenedChallenge = [](const QUrl& page) {
+        QUrlQuery query(page);
+        query.removeQueryItem("code_challenge_method");
+        query.addQueryItem("code_challenge_method", "plain");
+        QUrl changed(page);
+        changed.setQuery(query);
+        return changed;
+    };
+    provider.setBrowserOpener(m_browser.opener(silentTokenEndpoint ? testBrowser() : testBrowser(weakenedChallenge)));
+    hear(&provider);
+    QSignalSpy failed(&provider, &osdu::OsduAuthProvider::error);
+    if (silentTokenEndpoint)
+        m_osdu->setDelay("/oauth2/token", 3000);
+    QVERIFY(provider.authorizeAsync(1000));
+    QVERIFY(failed.wait(15000));
+    m_osdu->clearFaults();
+
+    QCOMPARE(failed.at(0).at(0).toString(), message);
+    QVERIFY2(failed.at(0).at(1).toString().startsWith(details), qPrintable(failed.at(0).at(1).toString()));
+    QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
+}
+
+void SecretsTest::aSpentStoredSessionIsRefused()
+{
+    // The page's renewals spent the refresh token that its sign-in stored.
+    OsduFastInitializer laterRun(OsduFastInitializer::AWS);
+    const std::shared_ptr<osdu::OsduAuthProvider> provider = laterRun.authProvider();
+    hear(provider.get());
+    QSignalSpy failed(provider.get(), &osdu::OsduAuthProvider::error);
+    QVERIFY(provider->authorizeAsync(5000));
+    QVERIFY(failed.wait(15000));
+    QCOMPARE(failed.at(0).at(1).toString(), "invalid_grant: Unknown or already used refresh token");
+    try {
+        provider->accessToken();
+        QFAIL("a refused session gives no access token");
+    } catch (const std::exception& failure) {
+        m_said << QString::fromUtf8(failure.what());
+    }
+}
+
+void SecretsTest::noSecretTurnsUpInAnyMessageOrFile()
+{
+    const QString basicCredential =
+        (QByteArray::fromStdString(kClientId) + ':' + QByteArray::fromStdString(kClientSecret)).toBase64();
+    const QStringList secrets{q(kClientSecret), basicCredential, q(kIssued)};
+    const QString storedToken = QSettings().value("AWS/OSDU_REFRESH_TOKEN").toString();
+    QVERIFY(storedToken.startsWith(q(kIssued + "refresh-")));
+
+    const QStringList texts = m_bus.allTexts() + m_said + m_boxes.summaries() + logged();
+    QVERIFY(texts.size() > 20);
+    for (const QString& text : texts) {
+        for (const QString& secret : secrets)
+            QVERIFY2(!text.contains(secret), qPrintable("said: " + text));
+    }
+
+    // The host put the secret in its settings; the refresh token has its own record.
+    const QString settingsFile = QSettings().fileName();
+    const QStringList allowed{"OSDU_CLIENT_SECRET=" + q(kClientSecret), "OSDU_REFRESH_TOKEN=" + storedToken};
+    bool sawSettings = false;
+    QDirIterator walk(m_scratch, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        QFile file(walk.next());
+        QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.fileName()));
+        QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+        if (file.fileName() == settingsFile) {
+            sawSettings = true;
+            for (const QString& line : allowed)
+                QCOMPARE(lines.removeAll(line), 1);
+        }
+        for (const QString& line : lines) {
+            for (const QString& secret : secrets)
+                QVERIFY2(!line.contains(secret), qPrintable(file.fileName() + ": " + line));
+        }
+    }
+    QVERIFY(sawSettings);
+}
+
+int main(int argc, char** argv)
+{
+    // Whatever this program writes lands in one folder, which the last test reads whole.
+    QTemporaryDir scratch;
+    if (!scratch.isValid())
+        return 2;
+    for (const char* variable : {"TMPDIR", "HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+        qputenv(variable, scratch.path().toLocal8Bit());
+    QApplication application(argc, argv);
+    QApplication::setAttribute(Qt::AA_Use96Dpi, true);
+    SecretsTest test(scratch.path());
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_secrets.moc"
