@@ -6,6 +6,7 @@
 #include "MessageBoxAnswerer.h"
 #include "PanelDriver.h"
 #include "TreeDump.h"
+#include "VdsPageSession.h"
 
 #include <fast/client/Fast.h>
 #include <fast/panel/VdsWidget.h>
@@ -20,6 +21,7 @@
 
 using emulator::Fault;
 using fast::VdsWidget;
+using Page = VdsPageSession;
 
 namespace {
 
@@ -35,36 +37,6 @@ QStringList wire(emulator::FastEmulator& emulator)
         lines << q(request.method + ' ' + request.target);
     return lines;
 }
-
-// A page as the panel makes it, connected, over the fixture's emulator.
-struct Page
-{
-    Page(FastEmulatorFixture& fixture, VdsWidget::eWidgetType type)
-        : widget(type, fixture.client(), fixture.projectDir()), added(&widget, &VdsWidget::addToExtraDataManager),
-          removed(&widget, &VdsWidget::removeVdsFileFromProject)
-    {
-        widget.setConnectedToFast(true);
-        widget.show();
-    }
-
-    fast::VdsTreeModel& model() { return *static_cast<fast::VdsTreeModel*>(widget.treeView()->model()); }
-    QPushButton* button() { return widget.findChild<QPushButton*>(); }
-
-    // Starts the mount of url the way a person would on this kind of page.
-    void startMount(const QString& url)
-    {
-        if (widget.getType() == VdsWidget::CLOUD_URL) {
-            widget.findChild<QLineEdit*>()->setText(url);
-        } else {
-            answerNextFileDialog(url);
-        }
-        QTest::mouseClick(button(), Qt::LeftButton);
-    }
-
-    VdsWidget widget;
-    QSignalSpy added;
-    QSignalSpy removed;
-};
 
 // A .vds file on disk for the file dialog to pick; the emulator does not read it.
 QString localVolume(const QString& name)
@@ -278,14 +250,6 @@ void VdsPageTest::initListsOnlyVolumesWithProjectFiles()
     cloud.widget.init({"C:/project/in-cloud"});
     QCOMPARE(cloud.model().vdsCount(), 1);
     QCOMPARE(cloud.model().vdsAt(0)->name, "abcube");
-
-    // A listing that is not JSON is reported and leaves the tree empty.
-    fixture.emulator().setFault("GET", "/api/v2/vds/", Fault{std::nullopt, 0, std::string("<html>")});
-    MessageBoxAnswerer boxes;
-    local.widget.init({"/project/in-local"});
-    QTRY_COMPARE(boxes.boxes().size(), 1);
-    QVERIFY(boxes.summaries().first().startsWith("Unable to list VDS: Unable to parse JSON to get VDS list: "));
-    QCOMPARE(local.model().vdsCount(), 0);
 }
 
 QTEST_MAIN(VdsPageTest)

@@ -31,7 +31,7 @@ void warn(QWidget* parent, const QString& title, const QString& text)
 QString exceptionText(const std::exception& failure)
 {
     if (const auto* poco = dynamic_cast<const Poco::Exception*>(&failure))
-        return QString::fromStdString(poco->displayText());
+        return QString::fromStdString(poco->message().empty() ? poco->displayText() : poco->message());
     return QString::fromUtf8(failure.what());
 }
 

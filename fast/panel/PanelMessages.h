@@ -15,7 +15,8 @@ void information(const QString& text);
 void error(const QString& text);
 void warn(QWidget* parent, const QString& title, const QString& text);
 
-// The exception's own words; POCO's what() gives only the exception's name.
+// The exception's message. POCO's what() gives only the exception's name, which stands in when
+// its message is empty.
 QString exceptionText(const std::exception& failure);
 
 // The listing of the VDS could not be read: logged as an error and shown to the user.

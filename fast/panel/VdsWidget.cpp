@@ -231,7 +231,10 @@ void VdsWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsM
 void VdsWidget::abandonMount(const std::string& url, const std::string& vdsId, const std::exception& failure,
                              bool badJson)
 {
-    m_fast->unmountVds(vdsId, {});
+    // Without an id the lookup itself failed: there is nothing to unregister, and a DELETE on
+    // the bare collection must never reach FAST.
+    if (!vdsId.empty())
+        m_fast->unmountVds(vdsId, {});
     vdsModel()->removeVdsRecord(vdsId);
     m_treeView->refresh();
     const QString reason = badJson ? "Exception occurred while parsing JSON to get volume data from VDS"

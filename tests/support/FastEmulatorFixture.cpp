@@ -21,3 +21,11 @@ std::string FastEmulatorFixture::baseUrl() const
 {
     return "http://127.0.0.1:" + std::to_string(m_emulator->port());
 }
+
+QStringList FastEmulatorFixture::requestLines() const
+{
+    QStringList lines;
+    for (const emulator::LoggedRequest& request : m_emulator->requests())
+        lines << QString::fromStdString(request.method + ' ' + request.target);
+    return lines;
+}

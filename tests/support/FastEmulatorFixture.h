@@ -5,6 +5,7 @@
 #include <FastEmulator.h>
 
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -25,6 +26,8 @@ public:
     // A client made as the panel makes it, after the port setting was written.
     std::shared_ptr<fast::Fast> client() const;
     std::string baseUrl() const;
+    // "METHOD target" of every request the emulator has logged, in order.
+    QStringList requestLines() const;
     QString driveDir() const { return m_drive.path(); }
     QString projectDir() const { return m_project.path(); }
     TestSettings& settings() { return m_settings; }

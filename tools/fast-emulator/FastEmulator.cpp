@@ -5,8 +5,6 @@
 #include <Poco/Net/HTTPRequestHandler.h>
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
 #include <Poco/Net/HTTPServerRequest.h>
-#include <Poco/Net/HTTPServerRequestImpl.h>
-#include <Poco/Net/StreamSocket.h>
 #include <Poco/Net/HTTPServerResponse.h>
 #include <Poco/StreamCopier.h>
 #include <Poco/Util/Timer.h>
@@ -27,20 +25,13 @@ public:
     {
         std::string body;
         Poco::StreamCopier::copyToString(request.stream(), body);
-        const std::optional<Reply> reply = m_emulator.answer(request.getMethod(), request.getURI(), body);
-        if (!reply) {
-            // Stopped while the answer was held back: the client sees the connection reset.
-            auto& socket = static_cast<Poco::Net::HTTPServerRequestImpl&>(request).socket();
-            socket.setLinger(true, 0);
-            socket.close();
-            return;
-        }
-        response.setStatus(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(reply->status));
-        response.setContentType(!reply->body.empty() && (reply->body[0] == '{' || reply->body[0] == '[')
+        const Answer answer = m_emulator.answer(request.getMethod(), request.getURI(), body);
+        const Reply& reply = answer.reply;
+        response.setStatusAndReason(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(reply.status));
+        response.setContentType(!reply.body.empty() && (reply.body[0] == '{' || reply.body[0] == '[')
                                     ? "application/json"
                                     : "text/plain");
-        response.setContentLength(static_cast<std::streamsize>(reply->body.size()));
-        response.send() << reply->body;
+        sendBody(request, response, reply.body, answer.delivery);
     }
 
 private:
@@ -153,26 +144,33 @@ void FastEmulator::clearFaults()
     m_faults.clear();
 }
 
-std::optional<Reply> FastEmulator::answer(const std::string& method, const std::string& target,
-                                          const std::string& body)
+Answer FastEmulator::answer(const std::string& method, const std::string& target, const std::string& body)
 {
-    std::optional<Fault> fault;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_requests.push_back({method, target, body});
     }
-    fault = faultFor(method, pathOf(target));
+    const std::optional<Fault> fault = faultFor(method, pathOf(target));
+    const Answer dropped{{}, Delivery::ResetConnection};
     if (fault && fault->delayMs > 0 && !m_http.holdBack(fault->delayMs))
-        return std::nullopt;
+        return dropped;
+    if (fault && fault->stopsService) {
+        m_http.stopUnderHandler();
+        return dropped;
+    }
+    if (fault && fault->delivery == Delivery::ResetConnection)
+        return dropped;
 
-    Reply reply;
+    Answer answer;
     if (fault && fault->status)
-        reply = {*fault->status, "{\"error\":\"Injected failure\"}"};
+        answer.reply = {*fault->status, "{\"error\":\"Injected failure\"}"};
     else
-        reply = m_service.handle(method, target, body);
+        answer.reply = m_service.handle(method, target, body);
     if (fault && fault->body)
-        reply.body = *fault->body;
-    return reply;
+        answer.reply.body = *fault->body;
+    if (fault)
+        answer.delivery = fault->delivery;
+    return answer;
 }
 
 std::optional<Fault> FastEmulator::faultFor(const std::string& method, const std::string& path) const

@@ -38,11 +38,24 @@ struct LoggedRequest
 
 // Injected misbehaviour for one route. A status answers at once, without touching the
 // service's state; a delay holds the answer back; a body replaces whatever the answer held.
+// A truncated body still lets the service act on the request, as when it fails while answering;
+// a reset connection or a stopping service drops the request unseen.
 struct Fault
 {
     std::optional<int> status;
     int delayMs = 0;
     std::optional<std::string> body;
+    Delivery delivery = Delivery::Whole;
+    // The whole emulator stops once the delay is over, as a killed service does: the port
+    // closes and this request goes unanswered. start() brings it back with its state.
+    bool stopsService = false;
+};
+
+// What the HTTP layer sends back for one request.
+struct Answer
+{
+    Reply reply;
+    Delivery delivery = Delivery::Whole;
 };
 
 // The FAST service on 127.0.0.1 over real HTTP, for tests, benchmarks and the demo.
@@ -72,8 +85,8 @@ public:
 
     FastService& service() { return m_service; }
 
-    // For the HTTP layer: the answer, or nothing when the emulator stopped while holding it back.
-    std::optional<Reply> answer(const std::string& method, const std::string& target, const std::string& body);
+    // For the HTTP layer; a connection reset when the emulator stopped while holding it back.
+    Answer answer(const std::string& method, const std::string& target, const std::string& body);
 
 private:
     std::optional<Fault> faultFor(const std::string& method, const std::string& path) const;

@@ -9,11 +9,13 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
+#include <vector>
 
 namespace {
 
 const char* const kUsage =
     "Usage: fast-emulator --port N --drive DIR [--version V] [--no-plugin] [--link-delay-ms N] [--state FILE]\n"
+    "                     [--fault METHOD:PATH:WHAT[,WHAT...]]...\n"
     "\n"
     "Serves the FAST REST API (/api/v2/...) on 127.0.0.1:N until interrupted.\n"
     "  --port N           port to listen on (0 picks a free one; it is printed)\n"
@@ -22,6 +24,12 @@ const char* const kUsage =
     "  --no-plugin        behave as if the host's plug-in were not installed\n"
     "  --link-delay-ms N  how long after a mount the link file is written (default 50)\n"
     "  --state FILE       keep registrations and mounts in FILE across restarts\n"
+    "  --fault METHOD:PATH:WHAT[,WHAT...]\n"
+    "                     misbehave on requests of METHOD whose path begins with PATH (the longest\n"
+    "                     PATH wins); WHAT is status=N (answer N, leaving the state alone),\n"
+    "                     delay-ms=N (hold the answer back), truncate (announce the whole body, send\n"
+    "                     half, close), reset (reset the connection unanswered), stop (stop serving\n"
+    "                     after the delay, as a killed service) or body=TEXT (last: the rest is TEXT)\n"
     "  --help             this text\n";
 
 [[noreturn]] void usageError(const std::string& message)
@@ -39,7 +47,49 @@ long number(const std::string& option, const std::string& text, long max)
     return value;
 }
 
-emulator::EmulatorOptions parse(int argc, char** argv)
+struct RouteFault
+{
+    std::string method;
+    std::string pathPrefix;
+    emulator::Fault fault;
+};
+
+RouteFault routeFault(const std::string& spec)
+{
+    const auto bad = [&spec](const std::string& why) { usageError("--fault " + spec + ": " + why); };
+    const std::size_t methodEnd = spec.find(':');
+    const std::size_t pathEnd = methodEnd == std::string::npos ? methodEnd : spec.find(':', methodEnd + 1);
+    if (pathEnd == std::string::npos)
+        bad("expected METHOD:PATH:WHAT");
+    RouteFault result{spec.substr(0, methodEnd), spec.substr(methodEnd + 1, pathEnd - methodEnd - 1), {}};
+    if (result.method.empty() || result.pathPrefix.empty() || result.pathPrefix[0] != '/')
+        bad("expected a method and a path that begins with /");
+    std::string rest = spec.substr(pathEnd + 1);
+    while (!rest.empty()) {
+        if (rest.compare(0, 5, "body=") == 0) {
+            result.fault.body = rest.substr(5);
+            break;
+        }
+        const std::size_t end = rest.find(',');
+        const std::string what = rest.substr(0, end);
+        rest = end == std::string::npos ? std::string() : rest.substr(end + 1);
+        if (what.compare(0, 7, "status=") == 0)
+            result.fault.status = static_cast<int>(number("--fault status", what.substr(7), 999));
+        else if (what.compare(0, 9, "delay-ms=") == 0)
+            result.fault.delayMs = static_cast<int>(number("--fault delay-ms", what.substr(9), 600000));
+        else if (what == "truncate")
+            result.fault.delivery = emulator::Delivery::TruncatedBody;
+        else if (what == "reset")
+            result.fault.delivery = emulator::Delivery::ResetConnection;
+        else if (what == "stop")
+            result.fault.stopsService = true;
+        else
+            bad("unknown fault \"" + what + "\"");
+    }
+    return result;
+}
+
+emulator::EmulatorOptions parse(int argc, char** argv, std::vector<RouteFault>& faults)
 {
     emulator::EmulatorOptions options;
     bool havePort = false;
@@ -66,6 +116,8 @@ emulator::EmulatorOptions parse(int argc, char** argv)
             options.linkDelayMs = static_cast<int>(number(option, value(), 600000));
         } else if (option == "--state") {
             options.stateFile = value();
+        } else if (option == "--fault") {
+            faults.push_back(routeFault(value()));
         } else {
             usageError("unknown option " + option);
         }
@@ -81,7 +133,8 @@ emulator::EmulatorOptions parse(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    const emulator::EmulatorOptions options = parse(argc, argv);
+    std::vector<RouteFault> faults;
+    const emulator::EmulatorOptions options = parse(argc, argv, faults);
 
     sigset_t stopSignals;
     sigemptyset(&stopSignals);
@@ -91,6 +144,8 @@ int main(int argc, char** argv)
 
     try {
         emulator::FastEmulator fast(options);
+        for (const RouteFault& route : faults)
+            fast.setFault(route.method, route.pathPrefix, route.fault);
         fast.start();
         std::cout << "fast-emulator: listening on http://127.0.0.1:" << fast.port() << " (drive " << options.driveDir
                   << ")" << std::endl;

@@ -1,0 +1,322 @@
+// The cloud page while FAST fails: a mount through the dialog whose answers are lost, cut short,
+// refused or late, the service killed halfway, a project folder that takes no link, and the
+// tree's unmount and delete refused. Each case ends on what the user is told and on what FAST
+// still holds afterwards.
+
+#include "EventBusRecorder.h"
+#include "FastEmulatorFixture.h"
+#include "MessageBoxAnswerer.h"
+#include "PanelDriver.h"
+#include "VdsPageSession.h"
+
+#include <fast/fast.h>
+#include <fast/trees/VdsTreeModel.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QtTest>
+
+using emulator::Delivery;
+using emulator::Fault;
+using fast::VdsWidget;
+
+Q_DECLARE_METATYPE(emulator::Fault)
+
+namespace {
+
+const QString kUrl = QStringLiteral("https://store.example/survey/cube");
+const QString kRegistrationBox = QStringLiteral(
+    "Unable to register VDS: Korvane™ was unable to register VDS in Bluware FAST™.\n"
+    "Please refer to Bluware FAST™ log files to get more information.");
+const QString kMountErrorBox = QStringLiteral("Bluware FAST™ mount error: Impossible to mount VDS file : cube\n"
+                                              "Request response :\n %1 : %2");
+const QString kMountErrorLine = QStringLiteral("Bluware FAST™ error : impossible to mount vds file : %1 : %2");
+const QString kInjectedBody = QStringLiteral(R"({"error":"Injected failure"})");
+
+constexpr int Error = 1;
+constexpr int Trace = 3;
+constexpr int Information = 4;
+
+Fault broken(Delivery delivery)
+{
+    Fault fault;
+    fault.delivery = delivery;
+    return fault;
+}
+
+QString q(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+// The id FAST gave the volume, as the page last sent it.
+QString registeredId(const EventBusRecorder& bus)
+{
+    const QString prefix = "Successfully registered VDS (url=" + kUrl + ") in Bluware FAST™ with id=";
+    for (const QString& note : bus.texts(Information)) {
+        if (note.startsWith(prefix))
+            return note.mid(prefix.size()).chopped(1);
+    }
+    return {};
+}
+
+QStringList driveFiles(const FastEmulatorFixture& fixture)
+{
+    return QDir(fixture.driveDir()).entryList(QDir::Files);
+}
+
+} // namespace
+
+class FastMountFaultsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { qRegisterMetaType<std::string>(); }
+
+    void lostRegistrationAnswerIsRetriedOnTheNextClick_data();
+    void lostRegistrationAnswerIsRetriedOnTheNextClick();
+    void failedMountRequestLeavesNothingInFast_data();
+    void failedMountRequestLeavesNothingInFast();
+    void serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack();
+    void slowMountAnswerStillEndsTheMount();
+    void projectFolderThatCannotBeWrittenUndoesTheMount();
+    void treeHandlersCarryOnPastA500_data();
+    void treeHandlersCarryOnPastA500();
+};
+
+void FastMountFaultsTest::lostRegistrationAnswerIsRetriedOnTheNextClick_data()
+{
+    QTest::addColumn<Fault>("fault");
+    QTest::addColumn<int>("volumesKept");
+    QTest::addColumn<QString>("retryNote");
+    // Reset before FAST saw the request: the next click registers anew.
+    QTest::newRow("connection reset") << broken(Delivery::ResetConnection) << 0
+                                      << "Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.";
+    // FAST took the volume but its answer broke off: the next click finds it instead of
+    // registering it twice.
+    QTest::newRow("body cut short") << broken(Delivery::TruncatedBody) << 1
+                                    << "Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2.";
+}
+
+void FastMountFaultsTest::lostRegistrationAnswerIsRetriedOnTheNextClick()
+{
+    QFETCH(Fault, fault);
+    QFETCH(int, volumesKept);
+    QFETCH(QString, retryNote);
+    FastEmulatorFixture fixture;
+    fixture.emulator().setFault("POST", "/api/v2/vds/", fault);
+    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
+    EventBusRecorder bus;
+    MessageBoxAnswerer boxes;
+
+    page.startMount(kUrl);
+    QTRY_COMPARE(boxes.summaries(), QStringList(kRegistrationBox));
+    QCOMPARE(bus.texts(Information),
+             QStringList("Unable to register VDS (url=" + kUrl + ") in Bluware FAST™. Unexpected error code: 0."));
+    QVERIFY(bus.allTexts().contains("Response from FAST REST API: code=0, body="));
+    QVERIFY(!openMountDialog(&page.widget));
+    QCOMPARE(int(fixture.emulator().service().volumes().size()), volumesKept);
+
+    fixture.emulator().clearFaults();
+    bus.clear();
+    page.startMount(kUrl);
+    QTRY_VERIFY(openMountDialog(&page.widget));
+    QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
+    const QString vdsId = q(fixture.emulator().service().volumes().at(0).id);
+    QCOMPARE(bus.texts(Information), QStringList(retryNote.arg(kUrl, vdsId)));
+    QCOMPARE(boxes.boxes().size(), 1);
+}
+
+void FastMountFaultsTest::failedMountRequestLeavesNothingInFast_data()
+{
+    QTest::addColumn<Fault>("fault");
+    QTest::addColumn<QString>("status");
+    QTest::addColumn<QString>("body");
+    QTest::newRow("500") << Fault{500, 0, std::nullopt} << "500" << kInjectedBody;
+    QTest::newRow("connection reset") << broken(Delivery::ResetConnection) << "0" << "";
+    // FAST mounted the file before its answer broke off; unregistering the volume takes it along.
+    QTest::newRow("body cut short") << broken(Delivery::TruncatedBody) << "0" << "";
+}
+
+void FastMountFaultsTest::failedMountRequestLeavesNothingInFast()
+{
+    QFETCH(Fault, fault);
+    QFETCH(QString, status);
+    QFETCH(QString, body);
+    FastEmulatorFixture fixture;
+    fixture.emulator().setFault("POST", "/api/v2/file/", fault);
+    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
+    EventBusRecorder bus;
+    MessageBoxAnswerer boxes;
+
+    page.startMount(kUrl);
+    QTRY_VERIFY(openMountDialog(&page.widget));
+    answerMountDialog(&page.widget, "cube", "Save");
+    QTRY_COMPARE(boxes.summaries(), QStringList(kMountErrorBox.arg(status, body)));
+    QCOMPARE(bus.texts(Error), QStringList(kMountErrorLine.arg(status, body)));
+    QTRY_VERIFY(!openMountDialog(&page.widget));
+
+    QCOMPARE(page.added.size(), 0);
+    QCOMPARE(page.model().vdsCount(), 0);
+    QVERIFY(bus.texts(Trace).contains("Call FAST REST API 173: method=DELETE, url=" + q(fixture.baseUrl())
+                                      + "/api/v2/vds/" + registeredId(bus)));
+    QVERIFY(fixture.emulator().service().volumes().empty());
+    QVERIFY(fixture.emulator().service().files().empty());
+    QCOMPARE(driveFiles(fixture), QStringList());
+}
+
+void FastMountFaultsTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack()
+{
+    FastEmulatorFixture fixture;
+    Fault killed;
+    killed.delayMs = 200;
+    killed.stopsService = true;
+    fixture.emulator().setFault("POST", "/api/v2/file/", killed);
+    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
+    EventBusRecorder bus;
+    MessageBoxAnswerer boxes;
+
+    page.startMount(kUrl);
+    QTRY_VERIFY(openMountDialog(&page.widget));
+    const QString vdsId = registeredId(bus);
+    answerMountDialog(&page.widget, "cube", "Save");
+    QTRY_COMPARE(boxes.summaries(), QStringList(kMountErrorBox.arg("0", "")));
+    QCOMPARE(bus.texts(Error), QStringList(kMountErrorLine.arg("0", "")));
+    QTRY_VERIFY(!openMountDialog(&page.widget));
+    QVERIFY(!fixture.emulator().isRunning());
+    QCOMPARE(page.added.size(), 0);
+    // The page let go of the volume, but its unregistration found nobody listening.
+    const QStringList traces = bus.texts(Trace);
+    const int unregistration = traces.indexOf("Call FAST REST API 173: method=DELETE, url=" + q(fixture.baseUrl())
+                                              + "/api/v2/vds/" + vdsId);
+    QVERIFY(unregistration > 0);
+    QCOMPARE(traces.value(unregistration + 1), "Response from FAST REST API: code=0, body=");
+    QCOMPARE(page.model().vdsCount(), 0);
+
+    // Back on the same port with what it held: the volume is found, not registered twice.
+    fixture.emulator().clearFaults();
+    fixture.emulator().start();
+    QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
+    QVERIFY(fixture.emulator().service().files().empty());
+    bus.clear();
+    page.startMount(kUrl);
+    QTRY_VERIFY(openMountDialog(&page.widget));
+    QCOMPARE(bus.texts(Information),
+             QStringList("Successfully found a VDS (url=" + kUrl + ") already registered in Bluware FAST™ with id="
+                         + vdsId + "."));
+    answerMountDialog(&page.widget, "cube", "Save");
+    QTRY_COMPARE(page.added.size(), 1);
+    QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
+    QCOMPARE(boxes.boxes().size(), 1);
+}
+
+void FastMountFaultsTest::slowMountAnswerStillEndsTheMount()
+{
+    // No time-out guards a FAST request: however long the answer takes, the mount ends on it.
+    constexpr int kDelayMs = 2500;
+    FastEmulatorFixture fixture;
+    Fault slow;
+    slow.delayMs = kDelayMs;
+    fixture.emulator().setFault("POST", "/api/v2/file/", slow);
+    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
+    MessageBoxAnswerer boxes;
+    EventBusRecorder bus;
+
+    page.startMount(kUrl);
+    QTRY_VERIFY(openMountDialog(&page.widget));
+    QElapsedTimer clock;
+    clock.start();
+    answerMountDialog(&page.widget, "cube", "Save");
+    QTRY_COMPARE(page.added.size(), 1);
+    QVERIFY2(clock.elapsed() >= kDelayMs, qPrintable(QString::number(clock.elapsed())));
+
+    QCOMPARE(page.added.first().at(0).toString(), "cube");
+    QVERIFY(boxes.boxes().isEmpty());
+    QVERIFY(bus.texts(Error).isEmpty());
+    QVERIFY(QFile::exists(fixture.projectDir() + "/cube"));
+    QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
+    QCOMPARE(page.model().vdsAt(0)->files.size(), std::size_t(1));
+}
+
+void FastMountFaultsTest::projectFolderThatCannotBeWrittenUndoesTheMount()
+{
+    FastEmulatorFixture fixture;
+    // Permission bits would not stop root, who runs the suite on CI; a file where the folder
+    // should be stops everybody, FAST writing its link included.
+    const QString project = fixture.projectDir() + "/locked";
+    QFile blocker(project);
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    VdsPageSession page(fixture, VdsWidget::CLOUD_URL, project);
+    EventBusRecorder bus;
+    MessageBoxAnswerer boxes;
+
+    page.startMount(kUrl);
+    QTRY_VERIFY(openMountDialog(&page.widget));
+    answerMountDialog(&page.widget, "cube", "Save");
+    QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
+    const QString fileId = q(fixture.emulator().service().files().at(0).id);
+
+    // The rename gives up after ten seconds of retries.
+    QTRY_COMPARE_WITH_TIMEOUT(boxes.boxes().size(), 1, 15000);
+    QCOMPARE(boxes.summaries(), QStringList(kMountErrorBox.arg("200", fileId)));
+    QCOMPARE(bus.texts(Error), QStringList("Bluware FAST™ error : impossible to rename remote file cube.kv"));
+    QTRY_VERIFY(!openMountDialog(&page.widget));
+    QCOMPARE(page.added.size(), 0);
+    QCOMPARE(page.model().vdsCount(), 0);
+    QVERIFY(fixture.emulator().service().files().empty());
+    QVERIFY(fixture.emulator().service().volumes().empty());
+    QCOMPARE(driveFiles(fixture), QStringList());
+}
+
+void FastMountFaultsTest::treeHandlersCarryOnPastA500_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QStringList>("deletes");
+    QTest::newRow("unmount volume") << "unmountVds" << QStringList({"file/%2", "file/%3", "vds/%1"});
+    QTest::newRow("delete its only file") << "deleteFile" << QStringList({"file/%2", "vds/%1"});
+}
+
+void FastMountFaultsTest::treeHandlersCarryOnPastA500()
+{
+    QFETCH(QString, signal);
+    QFETCH(QStringList, deletes);
+    FastEmulatorFixture fixture;
+    const auto client = fixture.client();
+    const std::string vdsId = client->registerVds(kUrl.toStdString())->getMessage();
+    std::vector<fast::VdsFile> files{{client->mountFile(vdsId, "one", "", 0, 1, 0, 1, 0, 1)->getMessage(), "one"}};
+    if (signal == "unmountVds")
+        files.push_back({client->mountFile(vdsId, "two", "", 0, 1, 0, 1, 0, 1)->getMessage(), "two"});
+    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
+    page.widget.init({"/project/one"});
+    QCOMPARE(page.model().vdsCount(), 1);
+    fixture.emulator().setFault("DELETE", "/api/v2/", Fault{500, 0, std::nullopt});
+    fixture.emulator().clearRequests();
+    EventBusRecorder bus;
+    MessageBoxAnswerer boxes;
+
+    if (signal == "unmountVds")
+        Q_EMIT page.widget.treeView()->unmountVds(vdsId, files);
+    else
+        Q_EMIT page.widget.treeView()->deleteFile(vdsId, files.front());
+
+    // The user is told nothing and the tree goes on as if FAST had done it; FAST keeps it all.
+    QStringList expected;
+    for (const QString& path : deletes)
+        expected << QString("DELETE /api/v2/" + path)
+                        .replace("%1", q(vdsId))
+                        .replace("%2", q(files.front().fileId))
+                        .replace("%3", q(files.back().fileId));
+    QCOMPARE(fixture.requestLines(), expected);
+    QCOMPARE(bus.texts(Trace).filter("Response from FAST REST API: code=500").size(), deletes.size());
+    QVERIFY(bus.texts(Error).isEmpty());
+    QVERIFY(boxes.boxes().isEmpty());
+    QCOMPARE(page.removed.size(), int(files.size()));
+    QCOMPARE(page.model().vdsCount(), 0);
+    QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
+    QCOMPARE(fixture.emulator().service().files().size(), files.size());
+}
+
+QTEST_MAIN(FastMountFaultsTest)
+#include "tst_faults_fast.moc"
