@@ -11,15 +11,20 @@
 namespace {
 
 // The worker on a fresh thread, with the panel's connections: heartBeat deletes the worker and
-// quits the thread.
+// quits the thread. What the thread emits is recorded through queued connections to an object of
+// this thread: a QSignalSpy connects directly and would be filled on the worker's thread while
+// the test reads it here.
 struct WorkerThread
 {
     explicit WorkerThread(std::shared_ptr<fast::Fast> client)
         : thread(new QThread), worker(new fast::CheckConnectionToFastWorker(std::move(client)))
     {
-        finished = std::make_unique<QSignalSpy>(thread, &QThread::finished);
-        results = std::make_unique<QSignalSpy>(worker, &fast::CheckConnectionToFastWorker::workFinished);
-        beats = std::make_unique<QSignalSpy>(worker, &fast::CheckConnectionToFastWorker::heartBeat);
+        QObject::connect(thread, &QThread::finished, &receiver, [this] { ++finished; });
+        QObject::connect(worker, &fast::CheckConnectionToFastWorker::workFinished, &receiver,
+                         [this](bool service, bool plugin, const QString& version) {
+                             results.append(QVariantList{service, plugin, version});
+                         });
+        QObject::connect(worker, &fast::CheckConnectionToFastWorker::heartBeat, &receiver, [this] { ++beats; });
         QObject::connect(thread, &QThread::started, worker, &fast::CheckConnectionToFastWorker::run);
         QObject::connect(worker, &fast::CheckConnectionToFastWorker::heartBeat, worker, &QObject::deleteLater);
         QObject::connect(worker, &fast::CheckConnectionToFastWorker::heartBeat, thread, &QThread::quit);
@@ -37,11 +42,12 @@ struct WorkerThread
         delete thread;
     }
 
+    QObject receiver;
     QThread* thread;
     fast::CheckConnectionToFastWorker* worker;
-    std::unique_ptr<QSignalSpy> finished;
-    std::unique_ptr<QSignalSpy> results;
-    std::unique_ptr<QSignalSpy> beats;
+    QList<QVariantList> results;
+    int beats = 0;
+    int finished = 0;
 };
 
 } // namespace
@@ -85,12 +91,12 @@ void ConnectionWorkerTest::reportsServiceAndPluginState()
         fixture.emulator().stop();
 
     WorkerThread polling(fixture.client());
-    QTRY_COMPARE_WITH_TIMEOUT(polling.results->size(), 1, 5000);
-    const QList<QVariant> result = polling.results->first();
+    QTRY_COMPARE_WITH_TIMEOUT(polling.results.size(), 1, 5000);
+    const QList<QVariant> result = polling.results.first();
     QCOMPARE(result.at(0).toBool(), expectService);
     QCOMPARE(result.at(1).toBool(), expectPlugin);
     QCOMPARE(result.at(2).toString(), expectVersion);
-    QCOMPARE(polling.beats->size(), 0);
+    QCOMPARE(polling.beats, 0);
 
     // Both requests are made on every poll, in this order, even when the first one failed.
     if (running) {
@@ -104,24 +110,24 @@ void ConnectionWorkerTest::reportsServiceAndPluginState()
 void ConnectionWorkerTest::emptyClientBeatsAtOnceAndEnds()
 {
     WorkerThread polling(nullptr);
-    QTRY_COMPARE_WITH_TIMEOUT(polling.finished->size(), 1, 2000);
-    QCOMPARE(polling.beats->size(), 1);
-    QCOMPARE(polling.results->size(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(polling.finished, 1, 2000);
+    QCOMPARE(polling.beats, 1);
+    QCOMPARE(polling.results.size(), 0);
 }
 
 void ConnectionWorkerTest::interruptionEndsTheThreadWithinAPollingPeriod()
 {
     FastEmulatorFixture fixture;
     WorkerThread polling(fixture.client());
-    QTRY_COMPARE_WITH_TIMEOUT(polling.results->size(), 1, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(polling.results.size(), 1, 5000);
 
     polling.thread->requestInterruption();
     const std::size_t requestsWhenAsked = fixture.emulator().requests().size();
-    QTRY_COMPARE_WITH_TIMEOUT(polling.finished->size(), 1, 7000);
-    QCOMPARE(polling.beats->size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(polling.finished, 1, 7000);
+    QCOMPARE(polling.beats, 1);
     // The request was seen before another poll began.
     QCOMPARE(fixture.emulator().requests().size(), requestsWhenAsked);
-    QCOMPARE(polling.results->size(), 1);
+    QCOMPARE(polling.results.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(ConnectionWorkerTest)
