@@ -46,6 +46,7 @@ private Q_SLOTS:
     void mountCreatesTheDriveFileAndLaterTheLinkFile();
     void mountRefusesWhatTheServiceRefuses_data();
     void mountRefusesWhatTheServiceRefuses();
+    void aBrokenPluginQueryIsABadRequest();
     void unregisteringAVolumeTakesItsFilesAlong();
     void stateSurvivesARestartOnTheSamePort();
     void injectedFaultsApplyToTheLongestMatchingRoute();
@@ -77,6 +78,7 @@ void FastEmulatorTest::mountRefusesWhatTheServiceRefuses_data()
     QTest::newRow("not JSON") << "{" << 400;
     QTest::newRow("min above max") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":1,"min":2})")) << 400;
     QTest::newRow("bound not an integer") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":"9","min":0})")) << 400;
+    QTest::newRow("bound beyond 64 bits") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":18446744073709551615,"min":0})")) << 400;
     QTest::newRow("path with a folder") << QString::fromStdString(mountBody("ID", "a/b", "/p")) << 400;
     QTest::newRow("unknown volume") << QString::fromStdString(mountBody("nope", "x", "/p")) << 404;
     QTest::newRow("name taken") << QString::fromStdString(mountBody("ID", "taken", "/p")) << 409;
@@ -94,6 +96,15 @@ void FastEmulatorTest::mountRefusesWhatTheServiceRefuses()
     QCOMPARE(refused.statusCode, status);
     QVERIFY(refused.text.find("\"error\"") != std::string::npos);
     QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
+}
+
+void FastEmulatorTest::aBrokenPluginQueryIsABadRequest()
+{
+    FastEmulatorFixture fixture;
+    registerVolume(fixture, "/data/a.vds");
+    const osdu::CurlResponse refused = call(fixture, "GET", "/api/v2/plugin/Korvane?vdsId=%zz");
+    QCOMPARE(refused.statusCode, 400);
+    QVERIFY(refused.text.find("\"error\"") != std::string::npos);
 }
 
 void FastEmulatorTest::unregisteringAVolumeTakesItsFilesAlong()

@@ -30,7 +30,7 @@ bool matches(const osdu::FileCollection& record, const std::string& filter)
            || fieldMatches(record.getId(), filter);
 }
 
-class FileCollectionSearchImpl : public FileCollectionSearch
+class FileCollectionSearchImpl final : public FileCollectionSearch
 {
 public:
     explicit FileCollectionSearchImpl(std::shared_ptr<osdu::OsduHttpClient> client)

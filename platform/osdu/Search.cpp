@@ -1,13 +1,12 @@
 #include <osdu/Search.h>
 
-#include "PlatformAnswer.h"
+#include "SearchAnswer.h"
 
 #include <osdu/OsduHttpClient.h>
 
-#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Object.h>
 
 #include <sstream>
-#include <stdexcept>
 
 namespace osdu {
 
@@ -30,17 +29,7 @@ public:
         std::ostringstream text;
         body.stringify(text);
 
-        const CurlResponse response = m_client->post("/api/search/v2/query", text.str(), partition);
-        if (response.statusCode != 200)
-            throw std::runtime_error(failure("Search failed", " with status ", response));
-        const Poco::JSON::Array::Ptr results = answerObject("Search failed", response)->getArray("results");
-        std::vector<SearchHit> hits;
-        for (unsigned i = 0; results && i < results->size(); ++i) {
-            const Poco::JSON::Object::Ptr result = results->getObject(i);
-            if (result)
-                hits.push_back({result->optValue<std::string>("id", {}), result->optValue<std::string>("kind", {})});
-        }
-        return hits;
+        return readSearchAnswer(m_client->post("/api/search/v2/query", text.str(), partition));
     }
 
 private:

@@ -103,7 +103,12 @@ Poco::Int64 integerMember(const Poco::JSON::Object::Ptr& parent, const std::stri
 {
     if (!parent->has(key) || !parent->get(key).isInteger())
         throw std::invalid_argument("\"" + key + "\" must be an integer");
-    return parent->get(key).convert<Poco::Int64>();
+    // The parser keeps integers up to 2^64 - 1, which do not fit.
+    try {
+        return parent->get(key).convert<Poco::Int64>();
+    } catch (const Poco::RangeException&) {
+        throw std::invalid_argument("\"" + key + "\" is out of range");
+    }
 }
 
 MountRequest readMountRequest(const std::string& body)
@@ -215,7 +220,11 @@ Reply FastService::plugin(const std::string& name, const std::string& query) con
     if (query.compare(0, prefix.size(), prefix) != 0)
         return error(400, "Unknown query: " + query);
     std::string vdsId;
-    Poco::URI::decode(query.substr(prefix.size()), vdsId);
+    try {
+        Poco::URI::decode(query.substr(prefix.size()), vdsId);
+    } catch (const Poco::SyntaxException&) {
+        return error(400, "Malformed query: " + query);
+    }
     const Volume* volume = findVolume(vdsId);
     if (!volume)
         return error(404, "No VDS with id " + vdsId);

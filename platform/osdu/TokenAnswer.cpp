@@ -1,0 +1,65 @@
+#include "TokenAnswer.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QVariant>
+
+namespace osdu {
+
+namespace {
+
+// Servers are not agreed on whether the lifetimes are JSON numbers or strings.
+qint64 seconds(const QJsonObject& answer, const char* field, qint64 fallback)
+{
+    const QJsonValue value = answer.value(QLatin1String(field));
+    bool ok = false;
+    const qint64 parsed = value.toVariant().toLongLong(&ok);
+    return ok && parsed > 0 ? parsed : fallback;
+}
+
+QString serverWords(const QJsonObject& answer, int status)
+{
+    const QString code = answer.value(QStringLiteral("error")).toString();
+    const QString description = answer.value(QStringLiteral("error_description")).toString();
+    if (code.isEmpty() && description.isEmpty())
+        return QStringLiteral("HTTP status %1").arg(status);
+    if (code.isEmpty() || description.isEmpty())
+        return code + description;
+    return code + QStringLiteral(": ") + description;
+}
+
+} // namespace
+
+TokenGrant readTokenAnswer(const CurlResponse& response)
+{
+    TokenGrant grant;
+    if (response.statusCode == 0) {
+        grant.message = QStringLiteral("Unable to reach the authorization server");
+        grant.details = QString::fromStdString(response.error);
+        return grant;
+    }
+    const QJsonObject answer = QJsonDocument::fromJson(QByteArray::fromStdString(response.text)).object();
+    const QString accessToken = answer.value(QStringLiteral("access_token")).toString();
+    if (response.statusCode != 200 || accessToken.isEmpty()) {
+        grant.message = response.statusCode >= 500
+                            ? QStringLiteral("The authorization server failed to complete the sign-in")
+                            : QStringLiteral("Sign-in was refused by the authorization server");
+        grant.details = serverWords(answer, response.statusCode);
+        grant.refused = response.statusCode == 400 || response.statusCode == 401;
+        return grant;
+    }
+
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    grant.ok = true;
+    grant.accessToken = accessToken.toStdString();
+    // Without a lifetime the token is taken for an hour, the usual; a refusal before then
+    // is met by renewing on the 401.
+    grant.accessExpiry = now.addSecs(seconds(answer, "expires_in", 3600));
+    grant.refreshToken = answer.value(QStringLiteral("refresh_token")).toString().toStdString();
+    const qint64 refreshLifetime = seconds(answer, "refresh_token_expires_in", 0);
+    if (refreshLifetime > 0)
+        grant.refreshExpiry = now.addSecs(refreshLifetime);
+    return grant;
+}
+
+} // namespace osdu
