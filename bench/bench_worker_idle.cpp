@@ -120,7 +120,12 @@ int main(int argc, char** argv)
     const double cpuSeconds = processCpuSeconds() - cpuBefore;
     const double wallSeconds = static_cast<double>(wall.elapsed()) / 1000.0;
 
+    // The worker ends at its next wake-up; its heartBeat reaches quit() through this thread.
     thread.requestInterruption();
+    QEventLoop ending;
+    QObject::connect(&thread, &QThread::finished, &ending, &QEventLoop::quit);
+    if (!thread.isFinished())
+        ending.exec();
     thread.wait();
     emulator.terminate();
     emulator.waitForFinished(5000);
