@@ -54,17 +54,17 @@ struct RouteFault
     emulator::Fault fault;
 };
 
-RouteFault routeFault(const std::string& spec)
+RouteFault routeFault(const std::string& option)
 {
-    const auto bad = [&spec](const std::string& why) { usageError("--fault " + spec + ": " + why); };
-    const std::size_t methodEnd = spec.find(':');
-    const std::size_t pathEnd = methodEnd == std::string::npos ? methodEnd : spec.find(':', methodEnd + 1);
+    const auto bad = [&option](const std::string& why) { usageError("--fault " + option + ": " + why); };
+    const std::size_t methodEnd = option.find(':');
+    const std::size_t pathEnd = methodEnd == std::string::npos ? methodEnd : option.find(':', methodEnd + 1);
     if (pathEnd == std::string::npos)
         bad("expected METHOD:PATH:WHAT");
-    RouteFault result{spec.substr(0, methodEnd), spec.substr(methodEnd + 1, pathEnd - methodEnd - 1), {}};
+    RouteFault result{option.substr(0, methodEnd), option.substr(methodEnd + 1, pathEnd - methodEnd - 1), {}};
     if (result.method.empty() || result.pathPrefix.empty() || result.pathPrefix[0] != '/')
         bad("expected a method and a path that begins with /");
-    std::string rest = spec.substr(pathEnd + 1);
+    std::string rest = option.substr(pathEnd + 1);
     while (!rest.empty()) {
         if (rest.compare(0, 5, "body=") == 0) {
             result.fault.body = rest.substr(5);
