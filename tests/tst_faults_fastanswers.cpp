@@ -6,6 +6,8 @@
 #include "FastEmulatorFixture.h"
 #include "MessageBoxAnswerer.h"
 #include "PanelDriver.h"
+#include "PanelTexts.h"
+#include "PollingThread.h"
 #include "VdsPageSession.h"
 
 #include <fast/fast.h>
@@ -16,49 +18,17 @@
 #include <Poco/JSON/Parser.h>
 
 #include <QElapsedTimer>
-#include <QPointer>
 #include <QtTest>
 
 using emulator::Delivery;
 using emulator::Fault;
 using fast::VdsWidget;
 
-Q_DECLARE_METATYPE(emulator::Fault)
-
 namespace {
 
 const QString kUrl = QStringLiteral("https://store.example/survey/cube");
-const QString kInjectedBody = QStringLiteral(R"({"error":"Injected failure"})");
-const QString kMountFailedBox = QStringLiteral(
-    "Unable to mount VDS: Korvane™ was unable to mount VDS in Bluware FAST™.\n"
-    "Please refer to Bluware FAST™ and Korvane™ log files to get more information.");
 // Cut off in the middle of the second entry.
 const std::string kGarbage = R"([{"id":"1","url":"/data/a.vds"},{"id":)";
-
-constexpr int Error = 1;
-constexpr int Trace = 3;
-
-Fault status500()
-{
-    return Fault{500, 0, std::nullopt};
-}
-
-Fault answering(const std::string& body)
-{
-    return Fault{std::nullopt, 0, body};
-}
-
-Fault broken(Delivery delivery)
-{
-    Fault fault;
-    fault.delivery = delivery;
-    return fault;
-}
-
-QString q(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
 
 // POCO's own words on text read as a listing, which the library passes on to the user.
 QString complaintAbout(const std::string& text)
@@ -93,9 +63,7 @@ class FastAnswerFaultsTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { qRegisterMetaType<std::string>(); }
-    void cleanupTestCase();
 
-    // First, so that the pollers' last sleep overlaps the other cases.
     void statusPollReportsWhatFastAnswered_data();
     void statusPollReportsWhatFastAnswered();
     void everyClientOperationHandsBackA500_data();
@@ -104,19 +72,7 @@ private Q_SLOTS:
     void listingFailuresLeaveThePageEmpty();
     void failuresBeforeTheDialogLeaveNothingRegistered_data();
     void failuresBeforeTheDialogLeaveNothingRegistered();
-
-private:
-    QList<QPointer<QThread>> m_pollers;
 };
-
-void FastAnswerFaultsTest::cleanupTestCase()
-{
-    // Each poller notices its interruption after its five-second sleep.
-    QTRY_VERIFY_WITH_TIMEOUT(std::all_of(m_pollers.begin(), m_pollers.end(), [](const QPointer<QThread>& thread) {
-                                 return thread.isNull();
-                             }),
-                             10000);
-}
 
 void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered_data()
 {
@@ -126,12 +82,12 @@ void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered_data()
     QTest::addColumn<QStringList>("messages");
     QTest::addColumn<int>("minimumMs");
     QTest::newRow("version 500")
-        << "/api/v2/about" << status500() << "false true "
+        << "/api/v2/about" << failing(500) << "false true "
         << QStringList({"3: Call FAST REST API 43: method=GET, url=%1/api/v2/about",
                         "3: Response from FAST REST API: code=500, body=" + kInjectedBody,
                         "1: Unable to get FAST status: HTTP request failed with status=500"})
         << 0;
-    QTest::newRow("plug-in 500") << "/api/v2/plugin/Korvane" << status500() << "true false 2.0.0"
+    QTest::newRow("plug-in 500") << "/api/v2/plugin/Korvane" << failing(500) << "true false 2.0.0"
                                  << QStringList({"3: Call FAST REST API 89: method=GET, url=%1/api/v2/plugin/Korvane",
                                                  "3: Response from FAST REST API: code=500, body=" + kInjectedBody})
                                  << 0;
@@ -150,30 +106,13 @@ void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered()
     FastEmulatorFixture fixture;
     fixture.emulator().setFault("GET", route.toStdString(), fault);
     EventBusRecorder bus;
-
-    // Wired as the panel wires it, so that it ends and goes away on its own.
-    auto* thread = new QThread;
-    auto* worker = new fast::CheckConnectionToFastWorker(fixture.client());
-    QStringList results;
-    QObject receiver;
-    connect(worker, &fast::CheckConnectionToFastWorker::workFinished, &receiver,
-            [&results](bool service, bool plugin, const QString& version) {
-                results << QString("%1 %2 %3").arg(service ? "true" : "false", plugin ? "true" : "false", version);
-            });
-    connect(thread, &QThread::started, worker, &fast::CheckConnectionToFastWorker::run);
-    connect(worker, &fast::CheckConnectionToFastWorker::heartBeat, worker, &QObject::deleteLater);
-    connect(worker, &fast::CheckConnectionToFastWorker::heartBeat, thread, &QThread::quit);
-    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    worker->moveToThread(thread);
-    m_pollers << thread;
     QElapsedTimer clock;
     clock.start();
-    thread->start();
-    QTRY_COMPARE_WITH_TIMEOUT(results.size(), 1, minimumMs + 5000);
-    thread->requestInterruption();
+    PollingThread polling(fixture.client());
+    QTRY_COMPARE_WITH_TIMEOUT(polling.results.size(), 1, minimumMs + 5000);
 
     QVERIFY2(clock.elapsed() >= minimumMs, qPrintable(QString::number(clock.elapsed())));
-    QCOMPARE(results.first(), result);
+    QCOMPARE(polling.results.first(), result);
     QCOMPARE(kindsAndTexts(bus), messages.replaceInStrings("%1", q(fixture.baseUrl())));
 }
 
@@ -203,7 +142,7 @@ void FastAnswerFaultsTest::everyClientOperationHandsBackA500()
     QFETCH(QString, outcome);
     FastEmulatorFixture fixture;
     for (const char* method : {"GET", "POST", "DELETE"})
-        fixture.emulator().setFault(method, "/api/v2/", status500());
+        fixture.emulator().setFault(method, "/api/v2/", failing(500));
     const auto client = fixture.client();
     const auto answer = [](const std::shared_ptr<osdu::HttpResponse>& response) {
         return QString::number(response->getResponse()) + ' ' + q(response->getMessage());
@@ -249,8 +188,8 @@ void FastAnswerFaultsTest::listingFailuresLeaveThePageEmpty_data()
     QTest::addColumn<QString>("complaint");
     const QString syntax = "FAST VDS init JSONException 365";
     const QString shape = "FAST VDS init exception 372";
-    QTest::newRow("volume listing 500") << "/api/v2/vds/" << status500() << shape << complaintAbout(kInjectedBody);
-    QTest::newRow("file listing 500") << "/api/v2/file/" << status500() << shape << complaintAbout(kInjectedBody);
+    QTest::newRow("volume listing 500") << "/api/v2/vds/" << failing(500) << shape << complaintAbout(kInjectedBody);
+    QTest::newRow("file listing 500") << "/api/v2/file/" << failing(500) << shape << complaintAbout(kInjectedBody);
     QTest::newRow("volume listing not JSON") << "/api/v2/vds/" << answering(kGarbage) << syntax << complaintAbout(kGarbage);
     QTest::newRow("file listing not JSON") << "/api/v2/file/" << answering(kGarbage) << syntax << complaintAbout(kGarbage);
     // A listing lost on the wire reads as an empty one: nothing to complain about.
@@ -305,9 +244,9 @@ void FastAnswerFaultsTest::failuresBeforeTheDialogLeaveNothingRegistered_data()
     const QString lost = failed + "HTTP request failed with status=0, message=";
 
     // The lookup of the URL among the registered volumes fails before anything is registered.
-    QTest::newRow("lookup: file listing 500") << "/api/v2/file/" << status500() << other
+    QTest::newRow("lookup: file listing 500") << "/api/v2/file/" << failing(500) << other
                                               << failed + complaintAbout(kInjectedBody);
-    QTest::newRow("lookup: volume listing 500") << "/api/v2/vds/" << status500() << other
+    QTest::newRow("lookup: volume listing 500") << "/api/v2/vds/" << failing(500) << other
                                                 << failed + complaintAbout(kInjectedBody);
     QTest::newRow("lookup: file listing not JSON") << "/api/v2/file/" << answering(kGarbage) << syntax
                                                    << badJson + complaintAbout(kGarbage);

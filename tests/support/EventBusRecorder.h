@@ -6,6 +6,9 @@
 
 #include <mutex>
 
+// The kinds of message the library sends.
+enum BusKind : int { Error = 1, Trace = 3, Information = 4 };
+
 // Records what reaches the host's event bus while it lives, from any thread.
 class EventBusRecorder
 {

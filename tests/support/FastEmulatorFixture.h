@@ -4,6 +4,7 @@
 
 #include <FastEmulator.h>
 
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -12,6 +13,23 @@
 
 namespace fast {
 class Fast;
+}
+
+Q_DECLARE_METATYPE(emulator::Fault)
+
+// Faults to inject: a status with the emulator's own error body, a body of the test's choosing,
+// an answer broken off.
+inline emulator::Fault failing(int status)
+{
+    return {status, 0, {}};
+}
+inline emulator::Fault answering(const std::string& body)
+{
+    return {{}, 0, body};
+}
+inline emulator::Fault broken(emulator::Delivery delivery)
+{
+    return {{}, 0, {}, delivery};
 }
 
 // A running FAST emulator on a free loopback port with a fresh virtual-drive folder and project
