@@ -7,23 +7,21 @@
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
 #include "MessageBoxAnswerer.h"
+#include "OsduEmulatorSettings.h"
+#include "PanelDriver.h"
+#include "PanelTexts.h"
 #include "SignInWatch.h"
 #include "TestBrowser.h"
 #include "UntrustedTlsServer.h"
 
-#include <OsduEmulator.h>
-
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/OsduWidget.h>
-#include <fast/trees/FastTreeModel.h>
-#include <fast/trees/FastTreeView.h>
 
 #include <osdu/OsduAuthProvider.h>
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QLabel>
 #include <QPushButton>
 #include <QSettings>
 #include <QtTest>
@@ -35,11 +33,6 @@ namespace {
 
 constexpr int kDatasets = 6;
 const QString kSignInBox = "Failed to connect to OSDU environment: ";
-
-QString q(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
 
 QString storedToken()
 {
@@ -65,13 +58,8 @@ private Q_SLOTS:
     void aTokenRevokedInTheMiddleOfASearch();
 
 private:
-    QPushButton* searchButton() const { return m_page->findChildren<QPushButton*>().at(0); }
-    QPushButton* connectButton() const { return m_page->findChildren<QPushButton*>().at(1); }
-    fast::SearchInput* searchInput() const { return m_page->findChild<fast::SearchInput*>(); }
-    QString resultLabel() const { return m_page->findChildren<QLabel*>().first()->text(); }
     // Presses Connect and answers the box the sign-in ends with: "title: text".
     QString connectAndReadTheBox();
-    void search();
 
     std::unique_ptr<FastEmulatorFixture> m_fast;
     std::unique_ptr<OsduEmulator> m_osdu;
@@ -85,21 +73,7 @@ void FaultsOsduTest::initTestCase()
     m_fast = std::make_unique<FastEmulatorFixture>();
     emulator::OsduEmulatorOptions options;
     options.announceRefreshTokenLifetime = false;
-    m_osdu = std::make_unique<OsduEmulator>(options);
-    m_osdu->seedDatasets(kDatasets);
-    m_osdu->start();
-    TestSettings& settings = m_fast->settings();
-    settings.set("FAST", "FAST_HOST", "127.0.0.1");
-    const QMap<QString, QString> aws{{"OSDU_CLIENT_ID", "fast-panel"},
-                                     {"OSDU_CLIENT_SECRET", "fast-panel-secret"},
-                                     {"OSDU_OAUTH_URL", q(m_osdu->authorizeUrl())},
-                                     {"OSDU_OAUTH_TOKEN_URL", q(m_osdu->tokenUrl())},
-                                     {"OSDU_CALLBACK_URL", "http://127.0.0.1"},
-                                     {"OSDU_CALLBACK_PORT", "0"},
-                                     {"OSDU_BASE_URL", q(m_osdu->baseUrl())},
-                                     {"OSDU_DATA_PARTITION_ID", "opendes"}};
-    for (auto it = aws.begin(); it != aws.end(); ++it)
-        settings.set("AWS", it.key(), it.value());
+    m_osdu = startOsduEmulator(m_fast->settings(), options, kDatasets);
 
     // An earlier run signed in; the server's refresh tokens last less than the 30 days the panel
     // assumes when it is not told, so the stored session looks good but is dead.
@@ -123,16 +97,10 @@ void FaultsOsduTest::initTestCase()
 QString FaultsOsduTest::connectAndReadTheBox()
 {
     MessageBoxAnswerer boxes;
-    QTest::mouseClick(connectButton(), Qt::LeftButton);
+    QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
     if (!QTest::qWaitFor([&boxes] { return !boxes.boxes().isEmpty(); }, 15000))
         return QString();
     return boxes.summaries().join('\n');
-}
-
-void FaultsOsduTest::search()
-{
-    QTest::mouseClick(searchButton(), Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(searchButton()->isEnabled(), 30000);
 }
 
 void FaultsOsduTest::tokenEndpointWithItsPortClosed()
@@ -145,10 +113,10 @@ void FaultsOsduTest::tokenEndpointWithItsPortClosed()
 
     QVERIFY2(box.startsWith(kSignInBox + "Unable to reach the authorization server<br>"), qPrintable(box));
     QVERIFY2(box.contains(QString("port %1").arg(port)), qPrintable(box));
-    QCOMPARE(bus.texts(4), QStringList{"OSDU Authentication: Signing in with the stored session"});
-    QCOMPARE(bus.texts(3), QStringList{"FAST OSDU authentication error 365 : " + box.mid(kSignInBox.size())});
+    QCOMPARE(bus.texts(Information), QStringList{"OSDU Authentication: Signing in with the stored session"});
+    QCOMPARE(bus.texts(Trace), QStringList{"FAST OSDU authentication error 365 : " + box.mid(kSignInBox.size())});
     QCOMPARE(m_browser.opened(), 0);
-    QVERIFY(connectButton()->isEnabled());
+    QVERIFY(connectButton(*m_page)->isEnabled());
     // Unreachable is not refused: the session is kept for when the server is back.
     QCOMPARE(OsduFastInitializer::currentInstance()->authProvider()->refreshToken(), m_lapsedToken);
 }
@@ -159,7 +127,7 @@ void FaultsOsduTest::aStoredSessionTheServerLetLapseIsRefusedThenForgotten()
     QCOMPARE(box, kSignInBox
                       + "Sign-in was refused by the authorization server<br>invalid_grant: The refresh token expired");
     QCOMPARE(m_browser.opened(), 0);
-    QVERIFY(connectButton()->isEnabled());
+    QVERIFY(connectButton(*m_page)->isEnabled());
     // Forgotten by the provider, so the next Connect opens the browser (the cases below); the
     // record itself stays until a sign-in replaces it.
     QVERIFY(OsduFastInitializer::currentInstance()->authProvider()->refreshToken().isEmpty());
@@ -201,14 +169,14 @@ void FaultsOsduTest::tokenEndpointFailingOrSilentAfterTheBrowser()
     if (silent)
         QVERIFY2(elapsedMs < kSilenceMs, "the time-out, not the server, ended the wait");
     QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
-    QVERIFY(connectButton()->isEnabled());
+    QVERIFY(connectButton(*m_page)->isEnabled());
     QCOMPARE(storedToken(), m_lapsedToken);
 }
 
 void FaultsOsduTest::signInSucceedsOnceTheServerIsBack()
 {
-    QTest::mouseClick(connectButton(), Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(searchInput()->isEnabled(), 15000);
+    QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), 15000);
     QVERIFY(storedToken() != m_lapsedToken && !storedToken().isEmpty());
     // Not told how long the new session lasts, the panel assumes 30 days.
     const QDateTime expiry = QSettings().value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime();
@@ -237,13 +205,13 @@ void FaultsOsduTest::anUntrustedCertificateIsRefused()
     QString said;
     if (platform) {
         m_fast->settings().set("AWS", "OSDU_BASE_URL", tls.url());
-        searchInput()->initialize(); // as the page does after each sign-in
-        search();
+        searchInput(*m_page)->initialize(); // as the page does after each sign-in
+        QVERIFY(search(*m_page));
         m_fast->settings().set("AWS", "OSDU_BASE_URL", q(m_osdu->baseUrl()));
-        searchInput()->initialize();
-        QCOMPARE(resultLabel(), "No result");
+        searchInput(*m_page)->initialize();
+        QCOMPARE(resultLabel(*m_page), "No result");
         QVERIFY(!QApplication::overrideCursor());
-        said = bus.texts(3).filter("Unable to query the record").join('\n');
+        said = bus.texts(Trace).filter("Unable to query the record").join('\n');
     } else {
         // A later run whose stored session goes to a token endpoint it must not trust.
         m_fast->settings().set("AWS", "OSDU_OAUTH_TOKEN_URL", tls.url() + "/oauth2/token");
@@ -289,14 +257,11 @@ void FaultsOsduTest::aTokenRevokedInTheMiddleOfASearch()
     const int grants = m_osdu->issuedTokens().refreshGrants;
     EventBusRecorder bus;
     MessageBoxAnswerer boxes;
-    search();
+    QVERIFY(search(*m_page));
     m_osdu->clearFaults();
 
-    QCOMPARE(resultLabel(), QString("%1 result(s) found").arg(kFetched));
-    QStringList names;
-    for (const fast::VdsModel& record : m_page->treeView()->model()->vdsList())
-        names << record.name;
-    QCOMPARE(names, QStringList({"Volume 0001", "Volume 0002", "Volume 0003"}));
+    QCOMPARE(resultLabel(*m_page), QString("%1 result(s) found").arg(kFetched));
+    QCOMPARE(resultNames(*m_page), QStringList({"Volume 0001", "Volume 0002", "Volume 0003"}));
     QStringList expected;
     for (int number = kFetched + 1; number <= kDatasets; ++number) {
         const QString id = q(m_osdu->seededDatasetId(number));
@@ -304,7 +269,7 @@ void FaultsOsduTest::aTokenRevokedInTheMiddleOfASearch()
         expected << "FAST FileCollectionSearch performSearch exception 97"
                  << QString("Unable to query the record with id=%1 in partition=opendes: %2").arg(id, why);
     }
-    QCOMPARE(bus.texts(3).filter(QRegularExpression("^(FAST FileCollectionSearch|Unable to query)")), expected);
+    QCOMPARE(bus.texts(Trace).filter(QRegularExpression("^(FAST FileCollectionSearch|Unable to query)")), expected);
     // A refused fetch renews the token and tries once more, then gives up on that record.
     const int renewals = m_osdu->issuedTokens().refreshGrants - grants;
     if (sessionRevoked)
@@ -313,7 +278,7 @@ void FaultsOsduTest::aTokenRevokedInTheMiddleOfASearch()
         QVERIFY2(renewals >= kDatasets - kFetched && renewals <= 2 * (kDatasets - kFetched),
                  qPrintable(QString::number(renewals)));
     QVERIFY(boxes.boxes().isEmpty());
-    QVERIFY(searchButton()->isEnabled() && searchInput()->isEnabled() && !QApplication::overrideCursor());
+    QVERIFY(searchButton(*m_page)->isEnabled() && searchInput(*m_page)->isEnabled() && !QApplication::overrideCursor());
 }
 
 QTEST_MAIN(FaultsOsduTest)

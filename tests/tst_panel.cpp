@@ -49,7 +49,6 @@ void PanelTest::statusFollowsTheServiceAndConnectedIsSentOnChange()
     options.version = "3.1";
     options.pluginInstalled = false;
     FastEmulatorFixture fixture(options);
-    fixture.settings().set("FAST", "FAST_HOST", "127.0.0.1");
     fast::FastTabWidget panel(fixture.projectDir());
     QSignalSpy connected(&panel, &fast::FastTabWidget::fastConnected);
     QCOMPARE(status(panel), "Checking connection to Bluware FAST™...");
@@ -74,7 +73,6 @@ void PanelTest::statusFollowsTheServiceAndConnectedIsSentOnChange()
 void PanelTest::fillTreesRoutesProjectFilesToTheVdsPages()
 {
     FastEmulatorFixture fixture;
-    fixture.settings().set("FAST", "FAST_HOST", "127.0.0.1");
     auto client = fixture.client();
     client->mountFile(client->registerVds("/data/local.vds")->getMessage(), "l1", "", 0, 1, 0, 1, 0, 1);
     client->mountFile(client->registerVds("https://store.example/cloud")->getMessage(), "c1", "", 0, 1, 0, 1, 0, 1);
@@ -133,7 +131,6 @@ void PanelTest::aFileInTheProjectFolderAsksForABrowserUpdate()
 void PanelTest::destroyingThePanelEndsItsWorker()
 {
     FastEmulatorFixture fixture;
-    fixture.settings().set("FAST", "FAST_HOST", "127.0.0.1");
     auto* panel = new fast::FastTabWidget(fixture.projectDir());
     QTRY_COMPARE_WITH_TIMEOUT(status(*panel), "Connected to Bluware FAST™ 2.0.0", kPoll);
     const int polling = threadCount();

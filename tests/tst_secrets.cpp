@@ -9,10 +9,11 @@
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
 #include "MessageBoxAnswerer.h"
+#include "OsduEmulatorSettings.h"
+#include "PanelDriver.h"
+#include "PanelTexts.h"
 #include "SignInWatch.h"
 #include "TestBrowser.h"
-
-#include <OsduEmulator.h>
 
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/SearchInput.h>
@@ -22,7 +23,6 @@
 #include <osdu/OsduAuthProvider.h>
 
 #include <QDirIterator>
-#include <QLabel>
 #include <QLoggingCategory>
 #include <QNetworkInterface>
 #include <QPushButton>
@@ -40,11 +40,6 @@ const std::string kClientId = "fast-panel";
 const std::string kClientSecret = "cl1ent-S3cret-Wq8Zr";
 // Every code and token the emulator issues begins with this.
 const std::string kIssued = "Zt4Xk-";
-
-QString q(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
 
 // Everything Qt logs, from any thread, while the tests run.
 std::mutex g_logMutex;
@@ -125,23 +120,10 @@ void SecretsTest::initTestCase()
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=true"));
     m_fast = std::make_unique<FastEmulatorFixture>();
     emulator::OsduEmulatorOptions options;
+    options.clientId = kClientId;
     options.clientSecret = kClientSecret;
     options.issuedPrefix = kIssued;
-    m_osdu = std::make_unique<emulator::OsduEmulator>(options);
-    m_osdu->seedDatasets(4);
-    m_osdu->start();
-    TestSettings& settings = m_fast->settings();
-    settings.set("FAST", "FAST_HOST", "127.0.0.1");
-    const QMap<QString, QString> aws{{"OSDU_CLIENT_ID", q(kClientId)},
-                                     {"OSDU_CLIENT_SECRET", q(kClientSecret)},
-                                     {"OSDU_OAUTH_URL", q(m_osdu->authorizeUrl())},
-                                     {"OSDU_OAUTH_TOKEN_URL", q(m_osdu->tokenUrl())},
-                                     {"OSDU_CALLBACK_URL", "http://127.0.0.1"},
-                                     {"OSDU_CALLBACK_PORT", "0"},
-                                     {"OSDU_BASE_URL", q(m_osdu->baseUrl())},
-                                     {"OSDU_DATA_PARTITION_ID", "opendes"}};
-    for (auto it = aws.begin(); it != aws.end(); ++it)
-        settings.set("AWS", it.key(), it.value());
+    m_osdu = startOsduEmulator(m_fast->settings(), options, 4);
 }
 
 void SecretsTest::cleanupTestCase()
@@ -191,20 +173,18 @@ void SecretsTest::thisRunSignsInWithTheStoredSessionAndSearches()
     bool opened = false;
     provider->setBrowserOpener(forbiddenBrowser(&opened));
     hear(provider);
-    QTest::mouseClick(m_page->findChildren<QPushButton*>().at(1), Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(m_page->findChild<fast::SearchInput*>()->isEnabled(), 15000);
+    QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), 15000);
     QVERIFY(!opened);
     QCOMPARE(m_osdu->issuedTokens().refreshGrants, 1);
 
     // The second fetch is turned away before and after a renewal and given up; the third is
     // turned away once and served after its renewal.
     m_osdu->rejectDataRequests(3, 2);
-    auto* searchButton = m_page->findChildren<QPushButton*>().at(0);
-    QTest::mouseClick(searchButton, Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(searchButton->isEnabled(), 30000);
-    QCOMPARE(m_page->findChildren<QLabel*>().first()->text(), "3 result(s) found");
+    QVERIFY(search(*m_page));
+    QCOMPARE(resultLabel(*m_page), "3 result(s) found");
     QVERIFY(m_osdu->issuedTokens().refreshGrants > 2); // renewed during the search
-    QCOMPARE(m_bus.texts(3).filter("status 401").size(), 1);
+    QCOMPARE(m_bus.texts(Trace).filter("status 401").size(), 1);
 }
 
 void SecretsTest::failedBrowserSignInsLeaveNothingListening_data()

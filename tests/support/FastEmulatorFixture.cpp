@@ -7,6 +7,7 @@ FastEmulatorFixture::FastEmulatorFixture(emulator::EmulatorOptions options)
     options.driveDir = m_drive.path().toStdString();
     m_emulator = std::make_unique<emulator::FastEmulator>(options);
     m_emulator->start();
+    m_settings.set("FAST", "FAST_HOST", "127.0.0.1");
     m_settings.set("FAST", "FAST_PORT", QString::number(m_emulator->port()));
 }
 

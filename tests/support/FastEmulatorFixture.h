@@ -33,7 +33,7 @@ inline emulator::Fault broken(emulator::Delivery delivery)
 }
 
 // A running FAST emulator on a free loopback port with a fresh virtual-drive folder and project
-// folder, and the host's settings pointing the client at it.
+// folder, and the host's settings pointing the client and the panel at it.
 class FastEmulatorFixture
 {
 public:

@@ -1,10 +1,15 @@
 #include "PanelDriver.h"
 
+#include <fast/osdu/SearchInput.h>
 #include <fast/panel/MountNewVolume.h>
+#include <fast/panel/OsduWidget.h>
+#include <fast/trees/FastTreeModel.h>
+#include <fast/trees/FastTreeView.h>
 
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMessageBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -65,4 +70,39 @@ void answerNextFileDialog(const QString& path)
         QMetaObject::invokeMethod(open, "accept", Qt::QueuedConnection);
     });
     poll->start(10);
+}
+
+QPushButton* searchButton(const fast::OsduWidget& page)
+{
+    return page.findChildren<QPushButton*>().at(0);
+}
+
+QPushButton* connectButton(const fast::OsduWidget& page)
+{
+    return page.findChildren<QPushButton*>().at(1);
+}
+
+fast::SearchInput* searchInput(const fast::OsduWidget& page)
+{
+    return page.findChild<fast::SearchInput*>();
+}
+
+QString resultLabel(const fast::OsduWidget& page)
+{
+    return page.findChildren<QLabel*>().first()->text();
+}
+
+QStringList resultNames(const fast::OsduWidget& page)
+{
+    QStringList names;
+    for (const fast::VdsModel& record : page.treeView()->model()->vdsList())
+        names << record.name;
+    return names;
+}
+
+bool search(const fast::OsduWidget& page)
+{
+    QPushButton* button = searchButton(page);
+    QTest::mouseClick(button, Qt::LeftButton);
+    return QTest::qWaitFor([button] { return button->isEnabled(); }, 30000);
 }

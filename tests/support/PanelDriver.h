@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
+class QPushButton;
 class QWidget;
 
 namespace fast {
 class MountNewVolume;
+class OsduWidget;
+class SearchInput;
 }
 
 // Plays the person in front of the panel: answers the mount dialog and the file dialog.
@@ -14,3 +18,12 @@ fast::MountNewVolume* openMountDialog(QWidget* page);
 void answerMountDialog(QWidget* page, const QString& name, const QString& button);
 // Answers the next file dialog with path, from within its own event loop.
 void answerNextFileDialog(const QString& path);
+
+// The OSDU page's controls and what it shows.
+QPushButton* searchButton(const fast::OsduWidget& page);
+QPushButton* connectButton(const fast::OsduWidget& page);
+fast::SearchInput* searchInput(const fast::OsduWidget& page);
+QString resultLabel(const fast::OsduWidget& page);
+QStringList resultNames(const fast::OsduWidget& page);
+// Clicks Search and waits until the search is over; false if it did not end within 30 s.
+bool search(const fast::OsduWidget& page);
