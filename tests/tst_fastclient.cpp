@@ -93,6 +93,7 @@ void FastClientTest::mountBodyHasSortedKeysAndDoubledWindowsSeparators()
 
     const auto response = client->mountFile(vdsId, "cube", R"(C:\proj\a.lnk)", 1, 2, 3, 4, 5, 6);
     QCOMPARE(response->getResponse(), 200);
+    QVERIFY(QFile::exists(fixture.driveDir() + "/cube"));
 
     // Each separator is doubled before the JSON writer escapes it: four backslashes on the wire.
     const QString body = R"({"parameters":{"link_path":"C:\\\\proj\\\\a.lnk","shortcut_base_path":"",)"
@@ -144,6 +145,7 @@ void FastClientTest::unmountDeletesEachFileThenTheVolumeWhateverTheOutcome()
         files.push_back({client->mountFile(vdsId, name, fixture.projectDir().toStdString(), 0, 1, 0, 1, 0, 1)->getMessage(), name});
     // A file FAST no longer knows must not stop the loop.
     files.insert(files.begin() + 1, fast::VdsFile{"gone", "gone"});
+    QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList({"one", "two"}));
     fixture.emulator().clearRequests();
     EventBusRecorder bus;
 

@@ -1,6 +1,6 @@
-// The FAST emulator as tests, benchmarks and the demo rely on it: what it answers over real
-// HTTP, the files it leaves in the drive and project folders, its state across restarts, and
-// the faults it injects.
+// The FAST emulator as tests, benchmarks and the demo rely on it, where the client's tests do not
+// reach: what it refuses, what unregistering takes along, its state across restarts, and the
+// faults it injects. The files a mount leaves: tst_fastclient and the page tests.
 
 #include "FastEmulatorFixture.h"
 
@@ -43,7 +43,6 @@ class FastEmulatorTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void mountCreatesTheDriveFileAndLaterTheLinkFile();
     void mountRefusesWhatTheServiceRefuses_data();
     void mountRefusesWhatTheServiceRefuses();
     void aBrokenPluginQueryIsABadRequest();
@@ -52,24 +51,6 @@ private Q_SLOTS:
     void injectedFaultsApplyToTheLongestMatchingRoute();
     void stoppingDropsAnAnswerHeldBack();
 };
-
-void FastEmulatorTest::mountCreatesTheDriveFileAndLaterTheLinkFile()
-{
-    FastEmulatorFixture fixture;
-    const std::string vdsId = registerVolume(fixture, "/data/a.vds");
-    const osdu::CurlResponse mounted = call(fixture, "POST", "/api/v2/file/", mountBody(vdsId, "cube", fixture.projectDir()));
-    QCOMPARE(mounted.statusCode, 200);
-    QVERIFY(QFile::exists(fixture.driveDir() + "/cube"));
-    QTRY_VERIFY(QFile::exists(fixture.projectDir() + "/cube.kv"));
-
-    const std::string listing = call(fixture, "GET", "/api/v2/file/").text;
-    QCOMPARE(QString::fromStdString(listing),
-             QString(R"([{"id":"%1","path":"/cube","vdsId":"%2"}])").arg(QString::fromStdString(mounted.text), QString::fromStdString(vdsId)));
-
-    QCOMPARE(call(fixture, "DELETE", "/api/v2/file/" + mounted.text).statusCode, 200);
-    QVERIFY(!QFile::exists(fixture.driveDir() + "/cube"));
-    QCOMPARE(call(fixture, "DELETE", "/api/v2/file/" + mounted.text).statusCode, 404);
-}
 
 void FastEmulatorTest::mountRefusesWhatTheServiceRefuses_data()
 {
