@@ -46,37 +46,14 @@ private slots:
         QCOMPARE(join(R"([{"id":12,"url":"u"}])",
                       R"([{"id":7,"vdsId":12,"path":"/a"},{"id":8,"vdsId":"12","path":"/b"}])"),
                  "12=u[7:a,8:b]");
-        // Incomplete files are skipped; the rest lose the first path character, whatever it is.
+        // Incomplete files and files of no listed volume are skipped; the rest lose the first
+        // path character, whatever it is.
         QCOMPARE(join(oneVolume,
                       R"([{"id":"b","path":"/b"},{"vdsId":"1","path":"/c"},{"id":"d","vdsId":"1"},)"
+                      R"({"id":"z","vdsId":"9","path":"/z"},)"
                       R"({"id":"e","vdsId":"1","path":"/e.vds"},{"id":"f","vdsId":"1","path":""},)"
                       R"({"id":"g","vdsId":"1","path":"x"}])"),
                  "1=u[e:e.vds,f:,g:]");
-    }
-
-    void parseVdsInfosGivesEachFileToTheFirstVolumeOfItsIdInListingOrder()
-    {
-        // Large, so that a lookup keyed on the id is exercised. The last volumes repeat earlier
-        // ids and must stay empty; some files name no volume and go nowhere.
-        const int volumes = 500, distinctIds = 450, files = 5000;
-        std::string vdsList = "[", fileList = "[";
-        for (int v = 0; v < volumes; ++v)
-            vdsList += "{\"id\":\"v" + std::to_string(v % distinctIds) + "\"},";
-        std::vector<QStringList> owned(volumes);
-        for (int f = 0; f < files; ++f) {
-            const int owner = (f * 7919) % (distinctIds + 50);
-            fileList += "{\"id\":" + std::to_string(f) + ",\"vdsId\":\"v" + std::to_string(owner)
-                        + "\",\"path\":\"/" + std::to_string(f) + "\"},";
-            if (owner < distinctIds)
-                owned[owner] << QString("%1:%1").arg(f);
-        }
-        vdsList.back() = fileList.back() = ']';
-
-        const std::vector<VdsInfo> infos = fast::parseVdsInfos(vdsList, fileList);
-        QCOMPARE(int(infos.size()), volumes);
-        for (int v = 0; v < volumes; ++v)
-            QCOMPARE(describe({infos[v]}),
-                     QString("v%1=[%2]").arg(v % distinctIds).arg(owned[v].join(',')));
     }
 
     void findVdsInfoReturnsTheFirstMatchInTheRange()
