@@ -165,7 +165,8 @@ void FastClientTest::unmountDeletesEachFileThenTheVolumeWhateverTheOutcome()
     // deleteFile has its own call site.
     bus.clear();
     QCOMPARE(client->deleteFile("f1")->getResponse(), 404);
-    QCOMPARE(bus.allTexts()[0], "Call FAST REST API 187: method=DELETE, url=" + q(fixture.baseUrl()) + "/api/v2/file/f1");
+    QCOMPARE(bus.allTexts()[0],
+             "Call FAST REST API 187: method=DELETE, url=" + q(fixture.baseUrl()) + "/api/v2/file/f1");
 }
 
 void FastClientTest::pluginDescriptionGivesTheExtent()

@@ -70,7 +70,8 @@ void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick_data()
     const QString unexpected = "Unable to register VDS (url=%1) in Bluware FAST™. Unexpected error code: ";
     QTest::newRow("200 without id") << Fault{200, 0, std::string()}
                                     << "Unable to register VDS (url=%1) in Bluware FAST™ with empty id!" << 0;
-    QTest::newRow("405") << failing(405) << "Unable to register VDS (url=%1) in Bluware FAST™: invalid parameters." << 0;
+    QTest::newRow("405") << failing(405) << "Unable to register VDS (url=%1) in Bluware FAST™: invalid parameters."
+                         << 0;
     QTest::newRow("409") << failing(409) << "VDS (url=%1) already registered in Bluware FAST™." << 0;
     QTest::newRow("500") << failing(500) << unexpected + "500." << 0;
     // Reset before FAST saw the request: the next click registers anew.
@@ -105,9 +106,11 @@ void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick()
     page.startMount(kUrl);
     QTRY_VERIFY(openMountDialog(&page.widget));
     QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
-    const QString retryNote = volumesKept ? "Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2."
-                                          : "Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.";
-    QCOMPARE(bus.texts(Information), QStringList(retryNote.arg(kUrl, q(fixture.emulator().service().volumes().at(0).id))));
+    const QString retryNote = volumesKept
+                                  ? "Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2."
+                                  : "Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.";
+    QCOMPARE(bus.texts(Information),
+             QStringList(retryNote.arg(kUrl, q(fixture.emulator().service().volumes().at(0).id))));
     QCOMPARE(boxes.boxes().size(), 1);
 }
 

@@ -10,7 +10,7 @@ namespace fast {
 class MountNewVolume;
 class OsduWidget;
 class SearchInput;
-}
+} // namespace fast
 
 // Plays the person in front of the panel: answers the mount dialog and the file dialog.
 fast::MountNewVolume* openMountDialog(QWidget* page);

@@ -13,8 +13,8 @@ PollingThread::PollingThread(std::shared_ptr<fast::Fast> client) : m_thread(new 
     QObject::connect(m_thread, &QThread::finished, &m_receiver, [this] { ++finished; });
     QObject::connect(worker, &CheckConnectionToFastWorker::workFinished, &m_receiver,
                      [this](bool service, bool plugin, const QString& version) {
-                         results << QStringLiteral("%1 %2 %3").arg(service ? "true" : "false", plugin ? "true" : "false",
-                                                                   version);
+                         results << QStringLiteral("%1 %2 %3")
+                                        .arg(service ? "true" : "false", plugin ? "true" : "false", version);
                      });
     QObject::connect(worker, &CheckConnectionToFastWorker::heartBeat, &m_receiver, [this] { ++beats; });
     QObject::connect(m_thread, &QThread::started, worker, &CheckConnectionToFastWorker::run);
