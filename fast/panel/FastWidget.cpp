@@ -28,6 +28,7 @@ void FastWidget::connectTreeView()
     connect(m_treeView, &FastTreeView::deleteFile, this, &FastWidget::onDeleteFile, Qt::DirectConnection);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, as the host's slot signature has it
 void FastWidget::onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList)
 {
     m_fast->unmountVds(vdsId, fileList);

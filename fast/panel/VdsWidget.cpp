@@ -166,7 +166,7 @@ VdsModel VdsWidget::recordFor(const std::string& url, const QString& newName)
             return record;
     }
     m_lineEdit->setText(text(url));
-    const VdsModel record({}, newName, {}, {}, {}, url, {});
+    VdsModel record({}, newName, {}, {}, {}, url, {});
     model->addVds(record);
     m_treeView->refresh();
     return record;
@@ -199,7 +199,7 @@ std::string VdsWidget::registeredId(const VdsModel& vdsModel)
         storeId(vdsModel.url, known->vdsId);
         return known->vdsId;
     }
-    const std::string vdsId = registerVdsInFast(*m_fast, vdsModel.url);
+    std::string vdsId = registerVdsInFast(*m_fast, vdsModel.url);
     if (vdsId.empty()) {
         warnRegistrationFailed(this);
         return {};

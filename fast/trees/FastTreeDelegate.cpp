@@ -47,9 +47,8 @@ void FastTreeDelegate::paintIcon(QPainter* painter, const QStyleOptionViewItem& 
         painter->setOpacity(0.5);
     if (!pixmap.isNull()) {
         const QRect& r = option.rect;
-        painter->drawPixmap(QPointF(r.left() + (r.width() - pixmap.width()) / 2,
-                                    r.top() + (r.height() - pixmap.height()) / 2),
-                            pixmap);
+        const QPoint topLeft(r.left() + (r.width() - pixmap.width()) / 2, r.top() + (r.height() - pixmap.height()) / 2);
+        painter->drawPixmap(topLeft, pixmap);
     }
     painter->restore();
 }

@@ -14,7 +14,7 @@ std::string AzureOsduAuthProvider::getProviderName()
 QString AzureOsduAuthProvider::authorizationScope() const
 {
     // Without offline_access Azure gives no refresh token, and every start would need the browser.
-    const QString scope = OsduAuthProvider::authorizationScope();
+    QString scope = OsduAuthProvider::authorizationScope();
     if (scope.split(QLatin1Char(' '), Qt::SkipEmptyParts).contains(QStringLiteral("offline_access")))
         return scope;
     return scope.isEmpty() ? QStringLiteral("offline_access") : scope + QStringLiteral(" offline_access");

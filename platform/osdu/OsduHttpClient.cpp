@@ -9,7 +9,7 @@ namespace osdu {
 namespace {
 
 // A request that has not finished in this time will not: better an error than a hang.
-constexpr long RequestTimeoutMs = 2 * 60 * 1000;
+constexpr long RequestTimeoutMs = 2L * 60 * 1000;
 
 } // namespace
 
