@@ -101,7 +101,7 @@ void fileCollectionSearch(benchmark::State& state)
     Platform& p = platform();
     std::size_t found = 0;
     for (auto _ : state)
-        p.search->performSearch("AWS", "", [&found](std::shared_ptr<osdu::StorageRecordCollection> results) {
+        p.search->performSearch("AWS", "", [&found](const std::shared_ptr<osdu::StorageRecordCollection>& results) {
             found = results->size();
         });
     if (found != kDatasets)

@@ -63,6 +63,7 @@ private slots:
         std::atomic<int> removedCalls{0}, callsAtRemoval{-1};
         const int removed = listen([&removedCalls](int, const QString&) { ++removedCalls; });
         std::vector<std::thread> threads;
+        threads.reserve(senders);
         for (int s = 0; s < senders; ++s) {
             threads.emplace_back([&, s] {
                 for (int n = 0; n < perSender; ++n) {

@@ -180,7 +180,7 @@ void FaultsOsduTest::signInSucceedsOnceTheServerIsBack()
     QVERIFY(storedToken() != m_lapsedToken && !storedToken().isEmpty());
     // Not told how long the new session lasts, the panel assumes 30 days.
     const QDateTime expiry = QSettings().value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime();
-    QVERIFY(qAbs(QDateTime::currentDateTime().secsTo(expiry) - 30 * 24 * 3600) < 60);
+    QVERIFY(qAbs(QDateTime::currentDateTime().secsTo(expiry) - qint64(30) * 24 * 3600) < 60);
     QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
 }
 

@@ -10,15 +10,15 @@
 
 namespace {
 
-const QStringList hostIcons = {"help24", "projectopen24", "down_ko", "down_ok", "delete24"};
-const QStringList libraryIcons = hostIcons + QStringList{"bluware24"};
+const QStringList kHostIcons = {"help24", "projectopen24", "down_ko", "down_ok", "delete24"};
+const QStringList kLibraryIcons = kHostIcons + QStringList{"bluware24"};
 
 // Premultiplied, so that transparent pixels compare equal whatever colour they hold.
 QVector<QRgb> pixels(const QImage& image)
 {
     const QImage premultiplied = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     const auto* first = reinterpret_cast<const QRgb*>(premultiplied.constBits()); // rows unpadded
-    return QVector<QRgb>(first, first + image.width() * image.height());
+    return QVector<QRgb>(first, first + static_cast<std::ptrdiff_t>(image.width()) * image.height());
 }
 
 QImage libraryImage(const QString& name)
@@ -61,14 +61,14 @@ private slots:
 
     void libraryIconsAreDistinct24PixelDrawings()
     {
-        for (const QString& name : libraryIcons) {
+        for (const QString& name : kLibraryIcons) {
             const QImage image = libraryImage(name);
             const QVector<QRgb> all = pixels(image);
             const auto opaque = std::count_if(all.begin(), all.end(), [](QRgb p) { return qAlpha(p) == 255; });
             const auto clear = std::count_if(all.begin(), all.end(), [](QRgb p) { return qAlpha(p) == 0; });
             // A blank, a box filled edge to edge, or a drawing shrunk far inside its box fail here.
             QVERIFY2(image.size() == QSize(24, 24) && opaque >= 24 * 24 / 4 && clear >= 1, qPrintable(name));
-            for (const QString& other : libraryIcons.mid(libraryIcons.indexOf(name) + 1))
+            for (const QString& other : kLibraryIcons.mid(kLibraryIcons.indexOf(name) + 1))
                 QVERIFY2(meanPixelDistance(image, libraryImage(other)) > 40, qPrintable(name + " looks like " + other));
         }
     }
@@ -85,8 +85,8 @@ private slots:
 
     void hostHandlerKeepsItsIcons()
     {
-        QPixmap* first = iconHandler->getPixmap(hostIcons.first());
-        for (const QString& name : hostIcons) {
+        QPixmap* first = iconHandler->getPixmap(kHostIcons.first());
+        for (const QString& name : kHostIcons) {
             QPixmap* pixmap = iconHandler->getPixmap(name);
             // The library's artwork under the same name, not another icon.
             QVERIFY2(pixmap && meanPixelDistance(pixmap->toImage(), libraryImage(name)) < 1, qPrintable(name));
@@ -95,7 +95,7 @@ private slots:
         // Later lookups must not move earlier pixmaps: callers keep the pointers.
         for (int i = 0; i < 50; ++i)
             iconHandler->getPixmap(QStringLiteral("filler%1").arg(i));
-        QVERIFY(iconHandler->getPixmap(hostIcons.first()) == first && !first->isNull());
+        QVERIFY(iconHandler->getPixmap(kHostIcons.first()) == first && !first->isNull());
 
         for (const char* name : {"nosuchicon", "bluware24", "../light/bluware24"}) {
             QPixmap* pixmap = iconHandler->getPixmap(name);

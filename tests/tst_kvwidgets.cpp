@@ -198,7 +198,8 @@ private slots:
         const QRect icon = header->getDrawingRect(table.section(2));
         const QImage drawn = header->viewport()->grab(icon).toImage().convertToFormat(QImage::Format_RGB32);
         const auto* pixels = reinterpret_cast<const QRgb*>(drawn.constBits());
-        QCOMPARE(std::count(pixels, pixels + drawn.width() * drawn.height(), qRgb(255, 0, 255)) > 0, filters);
+        const QRgb* end = pixels + static_cast<std::ptrdiff_t>(drawn.width()) * drawn.height();
+        QCOMPARE(std::count(pixels, end, qRgb(255, 0, 255)) > 0, filters);
 
         QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, table.section(1).center());
         QCOMPARE(header->sortIndicatorSection(), 1); // a click beside the icon still sorts

@@ -199,7 +199,8 @@ void OsduClientTest::browserSignInExchangesTheCodeOnceAndStopsListening()
     QVERIFY(platform.browser.page.contains("Signed in. You can close this window."));
     QCOMPARE(platform.server.issuedTokens().codeExchanges, 1);
     QVERIFY(!platform.provider->refreshToken().isEmpty());
-    QVERIFY(qAbs(QDateTime::currentDateTimeUtc().secsTo(platform.provider->refreshTokenExpiry()) - 48 * 3600) < 60);
+    const qint64 lifetime = QDateTime::currentDateTimeUtc().secsTo(platform.provider->refreshTokenExpiry());
+    QVERIFY(qAbs(lifetime - qint64(48) * 3600) < 60);
     QCOMPARE(QString::fromStdString(platform.server.lastAuthorizeQuery()).contains("offline_access"), !aws);
     const emulator::OsduRequest exchange = platform.server.requests().back();
     QCOMPARE(exchange.authorization.rfind("Basic ", 0) == 0, aws && !secret.isEmpty());
@@ -297,6 +298,7 @@ void OsduClientTest::storedSessionSignsInSilentlyAndRenewsOnceForThreadsAskingTo
     // The emulator spends a refresh token at its first use: a second renewal would be refused.
     platform.server.setAccessTokenLifetime(std::chrono::hours(1));
     std::vector<std::future<std::string>> asked;
+    asked.reserve(4);
     for (int i = 0; i < 4; ++i)
         asked.push_back(std::async(std::launch::async, [&later] { return later.accessToken(); }));
     std::set<std::string> tokens;
@@ -328,6 +330,7 @@ void OsduClientTest::searchAndStorageReadTheSeededDatasets()
     QCOMPARE(hits.size(), std::size_t(151));
     QCOMPARE(search->query({"osdu:wks:*:*", 10, 148, {}}, "opendes").size(), std::size_t(3));
     std::vector<std::string> ids;
+    ids.reserve(hits.size());
     for (const osdu::SearchHit& hit : hits)
         ids.push_back(hit.id);
     platform.server.clearRequests();

@@ -43,7 +43,7 @@ QImage expectedCell(const QString& resource, qreal opacity)
         QPainter painter(&image);
         painter.setOpacity(opacity);
         const QPixmap icon(resource);
-        painter.drawPixmap(QPointF((40 - icon.width()) / 2, (30 - icon.height()) / 2), icon);
+        painter.drawPixmap(QPoint((40 - icon.width()) / 2, (30 - icon.height()) / 2), icon);
     }
     return image;
 }

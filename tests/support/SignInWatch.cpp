@@ -5,7 +5,7 @@
 
 osdu::OsduAuthProvider::BrowserOpener SignInWatch::opener(osdu::OsduAuthProvider::BrowserOpener browser)
 {
-    return [this, browser](const QUrl& page) {
+    return [this, browser = std::move(browser)](const QUrl& page) {
         m_pages.append(page);
         return browser ? browser(page) : true;
     };

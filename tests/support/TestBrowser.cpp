@@ -30,7 +30,7 @@ void browse(const QUrl& url)
 
 osdu::OsduAuthProvider::BrowserOpener testBrowser(std::function<QUrl(const QUrl&)> tamper)
 {
-    return [tamper](const QUrl& url) {
+    return [tamper = std::move(tamper)](const QUrl& url) {
         const QUrl visited = tamper ? tamper(url) : url;
         QThread* browser = QThread::create([visited] { browse(visited); });
         QObject::connect(browser, &QThread::finished, browser, &QObject::deleteLater);

@@ -58,8 +58,8 @@ fast::VdsModel chooseLocalVolume(fast::VdsWidget* page, const QString& path)
         field->setText(path);
     if (const std::optional<fast::VdsModel> known = volumeWithUrl(page, path))
         return *known;
-    const fast::VdsModel record(QString(), QFileInfo(path).fileName(), QString(), QString(), std::string(),
-                                path.toStdString(), {});
+    fast::VdsModel record(QString(), QFileInfo(path).fileName(), QString(), QString(), std::string(),
+                          path.toStdString(), {});
     page->treeView()->model()->addVds(record);
     page->treeView()->refresh();
     return record;

@@ -151,7 +151,7 @@ Answer FastEmulator::answer(const std::string& method, const std::string& target
         m_requests.push_back({method, target, body});
     }
     const std::optional<Fault> fault = faultFor(method, pathOf(target));
-    const Answer dropped{{}, Delivery::ResetConnection};
+    Answer dropped{{}, Delivery::ResetConnection};
     if (fault && fault->delayMs > 0 && !m_http.holdBack(fault->delayMs))
         return dropped;
     if (fault && fault->stopsService) {

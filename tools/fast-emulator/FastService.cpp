@@ -86,7 +86,7 @@ struct MountRequest
 
 Poco::JSON::Object::Ptr member(const Poco::JSON::Object::Ptr& parent, const std::string& key)
 {
-    const Poco::JSON::Object::Ptr child = parent->getObject(key);
+    Poco::JSON::Object::Ptr child = parent->getObject(key);
     if (!child)
         throw std::invalid_argument("\"" + key + "\" must be an object");
     return child;

@@ -104,6 +104,25 @@ std::string fourDigits(int number)
     return text;
 }
 
+// The texts of seeded dataset number (from 1): name, description, folder under prefix, file.
+struct SeededTexts
+{
+    std::string name;
+    std::string description;
+    std::string folder;
+    std::string file;
+};
+
+SeededTexts seededTexts(int number, const std::string& prefix)
+{
+    const std::string digits = fourDigits(number);
+    return {"Volume " + digits,
+            "Seismic volume " + std::to_string(number) + ", "
+                + kProcessing[static_cast<std::size_t>(number - 1) % std::size(kProcessing)] + ", survey block "
+                + static_cast<char>('A' + (number - 1) / 10 % 26),
+            prefix + "vol-" + digits + "/", "vol-" + digits + ".vds"};
+}
+
 } // namespace
 
 OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
@@ -204,12 +223,9 @@ void OsduEmulator::seedDatasets(int count, const std::string& prefix)
         m_seeded += count;
     }
     for (int number = first; number < first + count; ++number) {
-        const std::string digits = fourDigits(number);
-        const std::string description = "Seismic volume " + std::to_string(number) + ", "
-                                        + kProcessing[static_cast<std::size_t>(number - 1) % std::size(kProcessing)] + ", survey block "
-                                        + static_cast<char>('A' + (number - 1) / 10 % 26);
-        addDataset(seededDatasetId(number), "Volume " + digits, description, prefix + "vol-" + digits + "/",
-                   kFileCollectionKind, {"vol-" + digits + ".vds"});
+        const SeededTexts texts = seededTexts(number, prefix);
+        addDataset(seededDatasetId(number), texts.name, texts.description, texts.folder, kFileCollectionKind,
+                   {texts.file});
     }
 }
 
