@@ -42,24 +42,24 @@ const std::string kClientSecret = "cl1ent-S3cret-Wq8Zr";
 const std::string kIssued = "Zt4Xk-";
 
 // Everything Qt logs, from any thread, while the tests run.
-std::mutex g_logMutex;
-QStringList g_logged;
-QtMessageHandler g_previousHandler = nullptr;
+std::mutex logMutex;
+QStringList loggedMessages;
+QtMessageHandler previousHandler = nullptr;
 
 void recordMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     {
-        const std::lock_guard<std::mutex> lock(g_logMutex);
-        g_logged << text;
+        const std::lock_guard<std::mutex> lock(logMutex);
+        loggedMessages << text;
     }
-    if (type != QtDebugMsg && type != QtInfoMsg && g_previousHandler)
-        g_previousHandler(type, context, text);
+    if (type != QtDebugMsg && type != QtInfoMsg && previousHandler)
+        previousHandler(type, context, text);
 }
 
 QStringList logged()
 {
-    const std::lock_guard<std::mutex> lock(g_logMutex);
-    return g_logged;
+    const std::lock_guard<std::mutex> lock(logMutex);
+    return loggedMessages;
 }
 
 // The local addresses of the TCP sockets listening on port, as the kernel lists them (hex).
@@ -115,7 +115,7 @@ private:
 
 void SecretsTest::initTestCase()
 {
-    g_previousHandler = qInstallMessageHandler(&recordMessage);
+    previousHandler = qInstallMessageHandler(&recordMessage);
     // Qt's own categories too: a secret must not reach a debug line either.
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=true"));
     m_fast = std::make_unique<FastEmulatorFixture>();
@@ -129,7 +129,7 @@ void SecretsTest::initTestCase()
 void SecretsTest::cleanupTestCase()
 {
     QLoggingCategory::setFilterRules(QString());
-    qInstallMessageHandler(g_previousHandler);
+    qInstallMessageHandler(previousHandler);
 }
 
 void SecretsTest::hear(osdu::OsduAuthProvider* provider)
