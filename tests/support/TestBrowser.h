@@ -2,14 +2,29 @@
 
 #include <osdu/OsduAuthProvider.h>
 
+#include <QByteArray>
 #include <QUrl>
 
+#include <atomic>
 #include <functional>
+#include <memory>
+
+// What the loopback listener finally answered the browser. Filled on the browser's thread:
+// status and page may be read once done is true.
+struct BrowserVisit
+{
+    std::atomic<bool> done{false};
+    long status = 0;
+    QByteArray page;
+};
 
 // Plays the person's web browser during sign-in: on a thread of its own it opens the sign-in
 // URL and follows the redirects back to the loopback listener. tamper may change the URL first
-// (to forge the state, say).
-osdu::OsduAuthProvider::BrowserOpener testBrowser(std::function<QUrl(const QUrl&)> tamper = {});
+// (to forge the state, say); visit, when given, receives the listener's answer.
+osdu::OsduAuthProvider::BrowserOpener testBrowser(std::function<QUrl(const QUrl&)> tamper = {},
+                                                  std::shared_ptr<BrowserVisit> visit = {});
+// A tamper for testBrowser: the sign-in URL with one query item's value replaced.
+std::function<QUrl(const QUrl&)> replacingQueryItem(const QString& name, const QString& value);
 
 // A browser that must not be used: a sign-in that opens it has gone the wrong way.
 osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened);
