@@ -27,7 +27,6 @@
 #include <QNetworkInterface>
 #include <QPushButton>
 #include <QSettings>
-#include <QUrlQuery>
 #include <QtTest>
 
 #include <mutex>
@@ -206,14 +205,7 @@ void SecretsTest::failedBrowserSignInsLeaveNothingListening()
     osdu::AWSOsduAuthProvider provider;
     provider.initialize({kClientId, kClientSecret, m_osdu->authorizeUrl(), m_osdu->tokenUrl(), "openid email", {},
                          "http://127.0.0.1", 0, {}});
-    const auto weakenedChallenge = [](const QUrl& page) {
-        QUrlQuery query(page);
-        query.removeQueryItem("code_challenge_method");
-        query.addQueryItem("code_challenge_method", "plain");
-        QUrl changed(page);
-        changed.setQuery(query);
-        return changed;
-    };
+    const auto weakenedChallenge = replacingQueryItem("code_challenge_method", "plain");
     provider.setBrowserOpener(m_browser.opener(silentTokenEndpoint ? testBrowser() : testBrowser(weakenedChallenge)));
     hear(&provider);
     QSignalSpy failed(&provider, &osdu::OsduAuthProvider::error);
