@@ -4,7 +4,6 @@
 #include <kvWidgets/DoubleSlider.h>
 #include <kvWidgets/HeaderView.h>
 #include <kvWidgets/HelpToolTip.h>
-#include <kvWidgets/SortFilterProxyModel.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -72,16 +71,6 @@ struct Table
     QRect section(int i) const
     {
         return {header->sectionViewportPosition(i), 0, header->sectionSize(i), header->viewport()->height()};
-    }
-};
-
-// Filters on state it cannot observe, which is what invalidateFilterPublic is for.
-struct PrefixProxy : kvWidgets::SortFilterProxyModel
-{
-    QString prefix = "a";
-    bool filterAcceptsRow(int row, const QModelIndex& parent) const override
-    {
-        return sourceModel()->index(row, 0, parent).data().toString().startsWith(prefix);
     }
 };
 
@@ -262,18 +251,6 @@ private slots:
             header.setPalette(palette);
             QCOMPARE(header.getFilterPixmap(true).toImage().pixelColor(stem), colour);
         }
-    }
-
-    void proxyInvalidateFilterPublicRerunsTheFilter()
-    {
-        QStringListModel source({"apple", "avocado", "banana"});
-        PrefixProxy proxy;
-        proxy.setSourceModel(&source);
-        QCOMPARE(proxy.rowCount(), 2);
-        proxy.prefix = "b";
-        QCOMPARE(proxy.rowCount(), 2); // the proxy cannot see the change by itself
-        proxy.invalidateFilterPublic();
-        QCOMPARE(proxy.rowCount(), 1);
     }
 
     void helpTipShowsByMouseAndKeyboard()
