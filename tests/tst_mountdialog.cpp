@@ -6,7 +6,6 @@
 #include <fast/fast.h>
 #include <fast/panel/MountNewVolume.h>
 #include <kvWidgets/DoubleSlider.h>
-#include <kvWidgets/HelpToolTip.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -85,14 +84,9 @@ private Q_SLOTS:
         dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
 
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Mount a VDS with Bluware FAST\u2122"));
-        QVERIFY(!dialog.windowIcon().isNull());
+        // Which row is which axis: the mount body sends them the other way round.
         const auto text = [&dialog](int row) { return qobject_cast<QLabel*>(at(dialog, row, 0))->text(); };
-        QCOMPARE(QStringList({text(0), text(2), text(3), text(6), text(9)}),
-                 QStringList({"Filename", "Zone of Interest", "In-line", "X-line", "Z"}));
-        QVERIFY(qobject_cast<kvWidgets::HelpToolTip*>(at(dialog, 0, 1))->text().startsWith("The filename corresponds"));
-        QCOMPARE(qobject_cast<kvWidgets::HelpToolTip*>(at(dialog, 2, 1))->text(),
-                 "Leave the fields below unchanged to mount the whole volume.");
+        QCOMPARE(QStringList({text(0), text(3), text(6), text(9)}), QStringList({"Filename", "In-line", "X-line", "Z"}));
         QTRY_COMPARE(QApplication::focusWidget(), at(dialog, 1, 0));
         QCOMPARE(button(dialog, 0)->text() + ' ' + button(dialog, 1)->text(), "Cancel Save");
     }

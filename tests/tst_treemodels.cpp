@@ -42,8 +42,6 @@ private Q_SLOTS:
 void TreeModelsTest::vdsRecordsAreLaidOutWithTheirRoles()
 {
     fast::VdsTreeModel model;
-    QCOMPARE(model.columnCount(), 3);
-    QCOMPARE(model.horizontalHeaderItem(1)->text(), "Data");
     model.addVds(volume("bare", "", ""));
     model.addVds(volume("cube", "v1", "/d/cube.vds", {{"f1", "a"}, {"f2", "b"}}));
     model.populate();
@@ -69,7 +67,6 @@ void TreeModelsTest::vdsRecordsAreLaidOutWithTheirRoles()
 void TreeModelsTest::osduRecordsAreLaidOutWithTheirRoles()
 {
     fast::OsduTreeModel model;
-    QCOMPARE(model.columnCount(), 4);
     model.addVds(dataset("r0", "north", ""));
     model.addVds(dataset("r1", "south", "v1", {{"f1", "a"}}));
     model.populate();
