@@ -1,5 +1,6 @@
-// The VDS pages end to end against the FAST emulator: register, mount through the dialog,
-// unmount and delete, and every way registration and mounting can fail.
+// The VDS pages end to end against the FAST emulator: register, mount through the dialog, cancel,
+// unmount and delete, and list what the project holds. How they fail: tst_faults_fast,
+// tst_faults_fastanswers.
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
