@@ -4,7 +4,9 @@
 
 #include <cstdio>
 
-RatioReporter::RatioReporter(std::vector<Ratio> ratios) : m_ratios(std::move(ratios)) {}
+RatioReporter::RatioReporter(std::vector<Ratio> ratios) : m_ratios(std::move(ratios))
+{
+}
 
 void RatioReporter::ReportRuns(const std::vector<Run>& runs)
 {

@@ -27,7 +27,8 @@ struct Service
         emulator = std::make_unique<emulator::FastEmulator>(options);
         emulator->start();
         for (int v = 0; v < 40; ++v)
-            emulator->service().handle("POST", "/api/v2/vds/", "{ \"url\": \"/data/survey-" + std::to_string(v) + ".vds\" }");
+            emulator->service().handle("POST", "/api/v2/vds/",
+                                       "{ \"url\": \"/data/survey-" + std::to_string(v) + ".vds\" }");
         QSettings().setValue("FAST/FAST_PORT", QString::number(emulator->port()));
         client = std::make_unique<fast::Fast>("127.0.0.1");
     }

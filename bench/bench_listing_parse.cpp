@@ -23,7 +23,8 @@ Listings makeListings(int volumeCount, int fileCount)
     std::mt19937 random(42);
     const auto id = [&random](const char* prefix, int n) {
         char text[64];
-        std::snprintf(text, sizeof text, "%s%08x%024x", prefix, static_cast<unsigned>(n), static_cast<unsigned>(random()));
+        std::snprintf(text, sizeof text, "%s%08x%024x", prefix, static_cast<unsigned>(n),
+                      static_cast<unsigned>(random()));
         return std::string(text, 32);
     };
     std::vector<std::string> vdsIds;
@@ -31,15 +32,16 @@ Listings makeListings(int volumeCount, int fileCount)
     listings.volumes = "[";
     for (int v = 0; v < volumeCount; ++v) {
         vdsIds.push_back(id("v", v));
-        listings.volumes += (v ? ",{\"id\":\"" : "{\"id\":\"") + vdsIds.back() + "\",\"url\":\"s3://bucket/surveys/survey-"
-                            + std::to_string(v) + ".vds\"}";
+        listings.volumes += (v ? ",{\"id\":\"" : "{\"id\":\"") + vdsIds.back()
+                            + "\",\"url\":\"s3://bucket/surveys/survey-" + std::to_string(v) + ".vds\"}";
     }
     listings.volumes += "]";
     listings.files = "[";
     std::uniform_int_distribution<int> owner(0, volumeCount - 1);
     for (int f = 0; f < fileCount; ++f) {
-        listings.files += (f ? ",{\"id\":\"" : "{\"id\":\"") + id("f", f) + "\",\"path\":\"/mounted-" + std::to_string(f)
-                          + "\",\"vdsId\":\"" + vdsIds[static_cast<std::size_t>(owner(random))] + "\"}";
+        listings.files += (f ? ",{\"id\":\"" : "{\"id\":\"") + id("f", f) + "\",\"path\":\"/mounted-"
+                          + std::to_string(f) + "\",\"vdsId\":\"" + vdsIds[static_cast<std::size_t>(owner(random))]
+                          + "\"}";
     }
     listings.files += "]";
     return listings;

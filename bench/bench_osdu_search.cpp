@@ -124,7 +124,8 @@ void bareCurlFloor(benchmark::State& state)
         std::string body;
         curl_easy_setopt(curl, CURLOPT_WRITEDATA, &body);
         curl_easy_setopt(curl, CURLOPT_URL, (base + "/api/search/v2/query").c_str());
-        curl_easy_setopt(curl, CURLOPT_POSTFIELDS, "{\"kind\":\"osdu:wks:dataset--FileCollection.Bluware.*:1.0.0\",\"limit\":1000}");
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDS,
+                         "{\"kind\":\"osdu:wks:dataset--FileCollection.Bluware.*:1.0.0\",\"limit\":1000}");
         curl_easy_perform(curl);
         curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
         for (int n = 1; n <= kDatasets; ++n) {

@@ -17,8 +17,9 @@ constexpr int kFilesPerDataset = 5;
 fast::VdsModel dataset(int d)
 {
     fast::VdsModel record(QString("osdu:dataset--FileCollection:%1").arg(d), QString("Survey %1").arg(d),
-                          "osdu:wks:dataset--FileCollection.Bluware.OpenVDS:1.0.0", QString("Seismic survey number %1").arg(d),
-                          "vds" + std::to_string(d), "https://bucket.example/survey-" + std::to_string(d), {});
+                          "osdu:wks:dataset--FileCollection.Bluware.OpenVDS:1.0.0",
+                          QString("Seismic survey number %1").arg(d), "vds" + std::to_string(d),
+                          "https://bucket.example/survey-" + std::to_string(d), {});
     for (int f = 0; f < kFilesPerDataset; ++f)
         record.files.push_back({"file" + std::to_string(d) + "-" + std::to_string(f), "mounted-" + std::to_string(f)});
     return record;
@@ -66,7 +67,8 @@ void bareModelBuild(benchmark::State& state)
             top[0]->appendRow(files);
             for (int f = 0; f < static_cast<int>(record.files.size()); ++f) {
                 QList<QStandardItem*> file = row({QString::fromStdString(record.files[f].fileName),
-                                                  QString::fromStdString(record.files[f].fileId)}, d, f);
+                                                  QString::fromStdString(record.files[f].fileId)},
+                                                 d, f);
                 file[2]->setData(true, Qt::UserRole + 3);
                 file[3]->setData(-1, Qt::UserRole + 2);
                 files[0]->appendRow(file);

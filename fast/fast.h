@@ -7,8 +7,8 @@
 #include <fast/client/Fast.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VdsDescriptors.h>
-#include <fast/client/VirtualDrive.h>
 #include <fast/client/VdsMetaTypes.h>
+#include <fast/client/VirtualDrive.h>
 #include <fast/osdu/FileCollectionSearch.h>
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduSettingsKeys.h>

@@ -35,8 +35,7 @@ private slots:
         int ids[4];
         for (int i = 0; i < 4; ++i) {
             ids[i] = listen([&calls, &ids, i](int, const QString& text) {
-                calls << QString("%1 %2@%3").arg(i).arg(text).arg(
-                             QThread::currentThread()->objectName());
+                calls << QString("%1 %2@%3").arg(i).arg(text).arg(QThread::currentThread()->objectName());
                 if (i == 1 && text == "one") {
                     for (int j : {1, 0, 2}) // itself, one before it and one after it
                         MDEventBus::removeListener(ids[j]);
@@ -52,8 +51,7 @@ private slots:
         }).join();
         // The one removed after it may still hear the delivery under way, but nothing later.
         calls.removeOne("2 one@main");
-        QCOMPARE(calls, QStringList({"0 one@main", "1 one@main", "3 inner@main", "3 one@main",
-                                     "3 two@worker"}));
+        QCOMPARE(calls, QStringList({"0 one@main", "1 one@main", "3 inner@main", "3 one@main", "3 two@worker"}));
     }
 
     void concurrentSendersDeliverEachMessageOnceInOrderAndNoneAfterARemoval()

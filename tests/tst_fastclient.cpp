@@ -49,8 +49,10 @@ void FastClientTest::baseUrlFollowsThePortSettingAsItStands_data()
     QTest::addColumn<QString>("port");
     QTest::addColumn<QString>("expected");
     QTest::newRow("no setting") << QString() << "http://localhost:27182";
-    QTest::newRow("8080") << "8080" << "http://localhost:8080";
-    QTest::newRow("spaces kept") << " 80 " << "http://localhost: 80 ";
+    QTest::newRow("8080") << "8080"
+                          << "http://localhost:8080";
+    QTest::newRow("spaces kept") << " 80 "
+                                 << "http://localhost: 80 ";
 }
 
 void FastClientTest::baseUrlFollowsThePortSettingAsItStands()
@@ -71,10 +73,9 @@ void FastClientTest::registrationSendsTheConcatenatedBodyAndReportsRefusalsBySta
 
     const auto accepted = client->registerVds("/data/a.vds");
     QCOMPARE(accepted->getResponse(), 200);
-    QCOMPARE(bus.allTexts(),
-             QStringList({"Call FAST REST API 243: method=POST, url=" + q(fixture.baseUrl())
-                              + R"(/api/v2/vds/, body={ "url": "/data/a.vds" })",
-                          "Response from FAST REST API: code=200, body=" + q(accepted->getMessage())}));
+    QCOMPARE(bus.allTexts(), QStringList({"Call FAST REST API 243: method=POST, url=" + q(fixture.baseUrl())
+                                              + R"(/api/v2/vds/, body={ "url": "/data/a.vds" })",
+                                          "Response from FAST REST API: code=200, body=" + q(accepted->getMessage())}));
     QCOMPARE(bus.texts(Trace).size(), 2);
     QCOMPARE(client->registerVds("/data/a.vds")->getResponse(), 409);
 
@@ -102,9 +103,9 @@ void FastClientTest::mountBodyHasSortedKeysAndDoubledWindowsSeparators()
                          + q(vdsId) + "\"}";
     QCOMPARE(fixture.requestLines(), QStringList("POST /api/v2/file/"));
     QCOMPARE(q(fixture.emulator().requests().at(0).body), body);
-    QCOMPARE(bus.allTexts(),
-             QStringList({"Call FAST REST API 143: method=POST, url=" + q(fixture.baseUrl()) + "/api/v2/file/, body=" + body,
-                          "Response from FAST REST API: code=200, body=" + q(response->getMessage())}));
+    QCOMPARE(bus.allTexts(), QStringList({"Call FAST REST API 143: method=POST, url=" + q(fixture.baseUrl())
+                                              + "/api/v2/file/, body=" + body,
+                                          "Response from FAST REST API: code=200, body=" + q(response->getMessage())}));
 }
 
 void FastClientTest::findVdsByUrlAsksFilesThenVolumesAndMatchesExactly()
@@ -142,7 +143,8 @@ void FastClientTest::unmountDeletesEachFileThenTheVolumeWhateverTheOutcome()
     const std::string vdsId = registered(*client, "/data/a.vds");
     std::vector<fast::VdsFile> files;
     for (const char* name : {"one", "two"})
-        files.push_back({client->mountFile(vdsId, name, fixture.projectDir().toStdString(), 0, 1, 0, 1, 0, 1)->getMessage(), name});
+        files.push_back(
+            {client->mountFile(vdsId, name, fixture.projectDir().toStdString(), 0, 1, 0, 1, 0, 1)->getMessage(), name});
     // A file FAST no longer knows must not stop the loop.
     files.insert(files.begin() + 1, fast::VdsFile{"gone", "gone"});
     QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList({"one", "two"}));
@@ -156,7 +158,8 @@ void FastClientTest::unmountDeletesEachFileThenTheVolumeWhateverTheOutcome()
     QCOMPARE(fixture.requestLines(), expected << q("DELETE /api/v2/vds/" + vdsId));
     const QStringList lines = bus.allTexts();
     QCOMPARE(lines.size(), 8);
-    QCOMPARE(lines[0], q("Call FAST REST API 161: method=DELETE, url=" + fixture.baseUrl() + "/api/v2/file/" + files[0].fileId));
+    QCOMPARE(lines[0],
+             q("Call FAST REST API 161: method=DELETE, url=" + fixture.baseUrl() + "/api/v2/file/" + files[0].fileId));
     QVERIFY(lines[3].startsWith("Response from FAST REST API: code=404, body="));
     QCOMPARE(lines[6], q("Call FAST REST API 173: method=DELETE, url=" + fixture.baseUrl() + "/api/v2/vds/" + vdsId));
     QVERIFY(fixture.emulator().service().volumes().empty());
@@ -186,8 +189,8 @@ void FastClientTest::pluginDescriptionGivesTheExtent()
     QCOMPARE(QStringList({q(range.dim0Min), q(range.dim0Max), q(range.dim1Min), q(range.dim1Max), q(range.dim2Min),
                           q(range.dim2Max)}),
              QStringList({"10", "20", "0", "899", "0.5", "99.5"}));
-    QCOMPARE(bus.allTexts().first(),
-             q("Call FAST REST API 260: method=GET, url=" + fixture.baseUrl() + "/api/v2/plugin/Korvane?vdsId=" + vdsId));
+    QCOMPARE(bus.allTexts().first(), q("Call FAST REST API 260: method=GET, url=" + fixture.baseUrl()
+                                       + "/api/v2/plugin/Korvane?vdsId=" + vdsId));
 }
 
 void FastClientTest::versionParsingFailuresAreReportedOrPassedThrough()

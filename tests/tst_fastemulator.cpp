@@ -58,8 +58,10 @@ void FastEmulatorTest::mountRefusesWhatTheServiceRefuses_data()
     QTest::addColumn<int>("status");
     QTest::newRow("not JSON") << "{" << 400;
     QTest::newRow("min above max") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":1,"min":2})")) << 400;
-    QTest::newRow("bound not an integer") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":"9","min":0})")) << 400;
-    QTest::newRow("bound beyond 64 bits") << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":18446744073709551615,"min":0})")) << 400;
+    QTest::newRow("bound not an integer")
+        << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":"9","min":0})")) << 400;
+    QTest::newRow("bound beyond 64 bits")
+        << QString::fromStdString(mountBody("ID", "x", "/p", R"({"max":18446744073709551615,"min":0})")) << 400;
     QTest::newRow("path with a folder") << QString::fromStdString(mountBody("ID", "a/b", "/p")) << 400;
     QTest::newRow("unknown volume") << QString::fromStdString(mountBody("nope", "x", "/p")) << 404;
     QTest::newRow("name taken") << QString::fromStdString(mountBody("ID", "taken", "/p")) << 409;
@@ -73,7 +75,9 @@ void FastEmulatorTest::mountRefusesWhatTheServiceRefuses()
     const std::string vdsId = registerVolume(fixture, "/data/a.vds");
     QCOMPARE(call(fixture, "POST", "/api/v2/file/", mountBody(vdsId, "taken", fixture.projectDir())).statusCode, 200);
 
-    const osdu::CurlResponse refused = call(fixture, "POST", "/api/v2/file/", body.replace("\"ID\"", QString::fromStdString('"' + vdsId + '"')).toStdString());
+    const osdu::CurlResponse refused =
+        call(fixture, "POST", "/api/v2/file/",
+             body.replace("\"ID\"", QString::fromStdString('"' + vdsId + '"')).toStdString());
     QCOMPARE(refused.statusCode, status);
     QVERIFY(refused.text.find("\"error\"") != std::string::npos);
     QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));

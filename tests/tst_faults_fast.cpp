@@ -120,9 +120,11 @@ void FastMountFaultsTest::failedMountRequestLeavesNothingInFast_data()
     QTest::addColumn<QString>("status");
     QTest::addColumn<QString>("body");
     QTest::newRow("500") << failing(500) << "500" << kInjectedBody;
-    QTest::newRow("connection reset") << broken(Delivery::ResetConnection) << "0" << "";
+    QTest::newRow("connection reset") << broken(Delivery::ResetConnection) << "0"
+                                      << "";
     // FAST mounted the file before its answer broke off; unregistering the volume takes it along.
-    QTest::newRow("body cut short") << broken(Delivery::TruncatedBody) << "0" << "";
+    QTest::newRow("body cut short") << broken(Delivery::TruncatedBody) << "0"
+                                    << "";
 }
 
 void FastMountFaultsTest::failedMountRequestLeavesNothingInFast()
@@ -188,9 +190,8 @@ void FastMountFaultsTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack
     bus.clear();
     page.startMount(kUrl);
     QTRY_VERIFY(openMountDialog(&page.widget));
-    QCOMPARE(bus.texts(Information),
-             QStringList("Successfully found a VDS (url=" + kUrl + ") already registered in Bluware FAST™ with id="
-                         + vdsId + "."));
+    QCOMPARE(bus.texts(Information), QStringList("Successfully found a VDS (url=" + kUrl
+                                                 + ") already registered in Bluware FAST™ with id=" + vdsId + "."));
 }
 
 void FastMountFaultsTest::slowMountAnswerStillEndsTheMount()

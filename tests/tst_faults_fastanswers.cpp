@@ -81,12 +81,11 @@ void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered_data()
     QTest::addColumn<QString>("result");
     QTest::addColumn<QStringList>("messages");
     QTest::addColumn<int>("minimumMs");
-    QTest::newRow("version 500")
-        << "/api/v2/about" << failing(500) << "false true "
-        << QStringList({"3: Call FAST REST API 43: method=GET, url=%1/api/v2/about",
-                        "3: Response from FAST REST API: code=500, body=" + kInjectedBody,
-                        "1: Unable to get FAST status: HTTP request failed with status=500"})
-        << 0;
+    QTest::newRow("version 500") << "/api/v2/about" << failing(500) << "false true "
+                                 << QStringList({"3: Call FAST REST API 43: method=GET, url=%1/api/v2/about",
+                                                 "3: Response from FAST REST API: code=500, body=" + kInjectedBody,
+                                                 "1: Unable to get FAST status: HTTP request failed with status=500"})
+                                 << 0;
     QTest::newRow("plug-in 500") << "/api/v2/plugin/Korvane" << failing(500) << "true false 2.0.0"
                                  << QStringList({"3: Call FAST REST API 89: method=GET, url=%1/api/v2/plugin/Korvane",
                                                  "3: Response from FAST REST API: code=500, body=" + kInjectedBody})
@@ -121,19 +120,23 @@ void FastAnswerFaultsTest::everyClientOperationHandsBackA500_data()
     QTest::addColumn<QString>("operation");
     QTest::addColumn<QString>("outcome");
     const QString passedOn = "500 " + kInjectedBody;
-    QTest::newRow("getVersion") << "getVersion" << "no version";
-    QTest::newRow("isKorvanePluginAvailable") << "isKorvanePluginAvailable" << "false";
+    QTest::newRow("getVersion") << "getVersion"
+                                << "no version";
+    QTest::newRow("isKorvanePluginAvailable") << "isKorvanePluginAvailable"
+                                              << "false";
     QTest::newRow("getVdsList") << "getVdsList" << passedOn;
     QTest::newRow("getFileList") << "getFileList" << passedOn;
     QTest::newRow("registerVds") << "registerVds" << passedOn;
     QTest::newRow("mountFile") << "mountFile" << passedOn;
     QTest::newRow("deleteFile") << "deleteFile" << passedOn;
     // The volume is asked to go although its file would not.
-    QTest::newRow("unmountVds") << "unmountVds" << "DELETE /api/v2/file/f1, DELETE /api/v2/vds/v1";
+    QTest::newRow("unmountVds") << "unmountVds"
+                                << "DELETE /api/v2/file/f1, DELETE /api/v2/vds/v1";
     QTest::newRow("getPluginDescription") << "getPluginDescription"
                                           << "threw: HTTP request failed with status=500, message=" + kInjectedBody;
     // The error body is an object where a listing should be.
-    QTest::newRow("findVdsByUrl") << "findVdsByUrl" << "threw: " + complaintAbout(kInjectedBody);
+    QTest::newRow("findVdsByUrl") << "findVdsByUrl"
+                                  << "threw: " + complaintAbout(kInjectedBody);
 }
 
 void FastAnswerFaultsTest::everyClientOperationHandsBackA500()
@@ -190,11 +193,15 @@ void FastAnswerFaultsTest::listingFailuresLeaveThePageEmpty_data()
     const QString shape = "FAST VDS init exception 372";
     QTest::newRow("volume listing 500") << "/api/v2/vds/" << failing(500) << shape << complaintAbout(kInjectedBody);
     QTest::newRow("file listing 500") << "/api/v2/file/" << failing(500) << shape << complaintAbout(kInjectedBody);
-    QTest::newRow("volume listing not JSON") << "/api/v2/vds/" << answering(kGarbage) << syntax << complaintAbout(kGarbage);
-    QTest::newRow("file listing not JSON") << "/api/v2/file/" << answering(kGarbage) << syntax << complaintAbout(kGarbage);
+    QTest::newRow("volume listing not JSON")
+        << "/api/v2/vds/" << answering(kGarbage) << syntax << complaintAbout(kGarbage);
+    QTest::newRow("file listing not JSON")
+        << "/api/v2/file/" << answering(kGarbage) << syntax << complaintAbout(kGarbage);
     // A listing lost on the wire reads as an empty one: nothing to complain about.
-    QTest::newRow("volume listing cut short") << "/api/v2/vds/" << broken(Delivery::TruncatedBody) << "" << "";
-    QTest::newRow("file listing reset") << "/api/v2/file/" << broken(Delivery::ResetConnection) << "" << "";
+    QTest::newRow("volume listing cut short") << "/api/v2/vds/" << broken(Delivery::TruncatedBody) << ""
+                                              << "";
+    QTest::newRow("file listing reset") << "/api/v2/file/" << broken(Delivery::ResetConnection) << ""
+                                        << "";
 }
 
 void FastAnswerFaultsTest::listingFailuresLeaveThePageEmpty()
@@ -244,20 +251,21 @@ void FastAnswerFaultsTest::failuresBeforeTheDialogLeaveNothingRegistered_data()
     const QString lost = failed + "HTTP request failed with status=0, message=";
 
     // The lookup of the URL among the registered volumes fails before anything is registered.
-    QTest::newRow("lookup: file listing 500") << "/api/v2/file/" << failing(500) << other
-                                              << failed + complaintAbout(kInjectedBody);
-    QTest::newRow("lookup: volume listing 500") << "/api/v2/vds/" << failing(500) << other
-                                                << failed + complaintAbout(kInjectedBody);
-    QTest::newRow("lookup: file listing not JSON") << "/api/v2/file/" << answering(kGarbage) << syntax
-                                                   << badJson + complaintAbout(kGarbage);
-    QTest::newRow("lookup: volume listing not JSON") << "/api/v2/vds/" << answering(kGarbage) << syntax
-                                                     << badJson + complaintAbout(kGarbage);
+    QTest::newRow("lookup: file listing 500")
+        << "/api/v2/file/" << failing(500) << other << failed + complaintAbout(kInjectedBody);
+    QTest::newRow("lookup: volume listing 500")
+        << "/api/v2/vds/" << failing(500) << other << failed + complaintAbout(kInjectedBody);
+    QTest::newRow("lookup: file listing not JSON")
+        << "/api/v2/file/" << answering(kGarbage) << syntax << badJson + complaintAbout(kGarbage);
+    QTest::newRow("lookup: volume listing not JSON")
+        << "/api/v2/vds/" << answering(kGarbage) << syntax << badJson + complaintAbout(kGarbage);
     // The volume is registered by then, and must be unregistered again.
-    QTest::newRow("description not JSON") << "/api/v2/plugin/" << answering(kGarbage) << syntax
-                                          << badJson + complaintAbout(kGarbage);
+    QTest::newRow("description not JSON")
+        << "/api/v2/plugin/" << answering(kGarbage) << syntax << badJson + complaintAbout(kGarbage);
     QTest::newRow("description bound not a number")
         << "/api/v2/plugin/"
-        << answering(R"({"properties":{"subvolume":{"properties":{"dim0":{"properties":{"min":{"default":"deep"}}}}}}})")
+        << answering(
+               R"({"properties":{"subvolume":{"properties":{"dim0":{"properties":{"min":{"default":"deep"}}}}}}})")
         << other << failed + [] {
                try {
                    return QString::number(std::stoi("deep"));

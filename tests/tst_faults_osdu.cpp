@@ -141,8 +141,8 @@ void FaultsOsduTest::tokenEndpointFailingOrSilentAfterTheBrowser_data()
     QTest::newRow("failing") << false
                              << "The authorization server failed to complete the sign-in<br>temporarily_unavailable: "
                                 "The authorization server is unavailable (injected)";
-    QTest::newRow("silent past the time-out") << true
-                                              << "Unable to reach the authorization server<br>Operation timed out after ";
+    QTest::newRow("silent past the time-out")
+        << true << "Unable to reach the authorization server<br>Operation timed out after ";
 }
 
 void FaultsOsduTest::tokenEndpointFailingOrSilentAfterTheBrowser()

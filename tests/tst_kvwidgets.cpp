@@ -163,10 +163,7 @@ private slots:
         QVERIFY(upper.isEmpty() || upper.last().first().toInt() == slider.upperValue());
     }
 
-    void sliderLinesUpWithQSliderInForms()
-    {
-        QCOMPARE(DoubleSlider().sizeHint(), QSlider(Qt::Horizontal).sizeHint());
-    }
+    void sliderLinesUpWithQSliderInForms() { QCOMPARE(DoubleSlider().sizeHint(), QSlider(Qt::Horizontal).sizeHint()); }
 
     void headerIconOpensOnePopupUnderItsSection_data()
     {

@@ -36,8 +36,14 @@ QString axisState(const QDialog& dialog, int row)
     auto* upper = qobject_cast<QSpinBox*>(at(dialog, row + 1, 1));
     auto* slider = qobject_cast<kvWidgets::DoubleSlider*>(at(dialog, row + 2, 0));
     return QString("%1..%2 [%3,%4] spins %5..%6 [%7,%8]")
-        .arg(slider->minimum()).arg(slider->maximum()).arg(slider->lowerValue()).arg(slider->upperValue())
-        .arg(lower->minimum()).arg(upper->maximum()).arg(lower->value()).arg(upper->value());
+        .arg(slider->minimum())
+        .arg(slider->maximum())
+        .arg(slider->lowerValue())
+        .arg(slider->upperValue())
+        .arg(lower->minimum())
+        .arg(upper->maximum())
+        .arg(lower->value())
+        .arg(upper->value());
 }
 
 // The dialog of a registered volume, shown as the page shows it.
@@ -45,8 +51,8 @@ struct MountSession
 {
     explicit MountSession(FastEmulatorFixture& fixture)
         : vdsId(fixture.client()->registerVds("/data/a.vds")->getMessage()),
-          dialog(fixture.client(), vdsId, kVolume, fixture.projectDir()),
-          finished(&dialog, &QDialog::finished), mounted(&dialog, &fast::MountNewVolume::vdsMounted)
+          dialog(fixture.client(), vdsId, kVolume, fixture.projectDir()), finished(&dialog, &QDialog::finished),
+          mounted(&dialog, &fast::MountNewVolume::vdsMounted)
     {
         fixture.emulator().clearRequests();
         dialog.show();
@@ -86,7 +92,8 @@ private Q_SLOTS:
 
         // Which row is which axis: the mount body sends them the other way round.
         const auto text = [&dialog](int row) { return qobject_cast<QLabel*>(at(dialog, row, 0))->text(); };
-        QCOMPARE(QStringList({text(0), text(3), text(6), text(9)}), QStringList({"Filename", "In-line", "X-line", "Z"}));
+        QCOMPARE(QStringList({text(0), text(3), text(6), text(9)}),
+                 QStringList({"Filename", "In-line", "X-line", "Z"}));
         QTRY_COMPARE(QApplication::focusWidget(), at(dialog, 1, 0));
         QCOMPARE(button(dialog, 0)->text() + ' ' + button(dialog, 1)->text(), "Cancel Save");
     }
@@ -98,10 +105,10 @@ private Q_SLOTS:
         const QString whole = "0..1000000 [0,1000000] spins 0..1000000 [0,1000000]";
         QTest::newRow("no description values") << fast::SubvolumeRange{} << QStringList({whole, whole, whole});
         // Z keeps only the whole samples inside its bounds.
-        QTest::newRow("description values") << kVolume
-                                             << QStringList({"10..1199 [10,1199] spins 10..1199 [10,1199]",
-                                                             "20..899 [20,899] spins 20..899 [20,899]",
-                                                             "1..99 [1,99] spins 1..99 [1,99]"});
+        QTest::newRow("description values")
+            << kVolume
+            << QStringList({"10..1199 [10,1199] spins 10..1199 [10,1199]", "20..899 [20,899] spins 20..899 [20,899]",
+                            "1..99 [1,99] spins 1..99 [1,99]"});
     }
 
     void rowsStartOnTheWholeVolume()

@@ -70,8 +70,15 @@ struct Platform
     }
     osdu::OsduAuthProviderInitParams params(const std::string& refreshToken = {}) const
     {
-        return {"fast-panel", server.options().clientSecret, server.authorizeUrl(), server.tokenUrl(), "openid email",
-                refreshToken, "http://127.0.0.1/signin", 0, {}};
+        return {"fast-panel",
+                server.options().clientSecret,
+                server.authorizeUrl(),
+                server.tokenUrl(),
+                "openid email",
+                refreshToken,
+                "http://127.0.0.1/signin",
+                0,
+                {}};
     }
     bool signIn()
     {
@@ -93,7 +100,7 @@ struct Platform
     std::shared_ptr<OsduAuthProvider> provider;
 };
 
-template <typename Call>
+template<typename Call>
 QString failureOf(Call call)
 {
     try {
@@ -183,8 +190,10 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords_data()
     // Refused and unreachable with a stored session: tst_faults_osdu.
     QTest::newRow("server down") << 1 << "The authorization server failed to complete the sign-in"
                                  << "temporarily_unavailable";
-    QTest::newRow("callback port taken") << 3 << "Unable to listen for the sign-in answer on port" << "";
-    QTest::newRow("no browser") << 4 << "Unable to open the web browser for sign-in" << "";
+    QTest::newRow("callback port taken") << 3 << "Unable to listen for the sign-in answer on port"
+                                         << "";
+    QTest::newRow("no browser") << 4 << "Unable to open the web browser for sign-in"
+                                << "";
 }
 
 void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
@@ -278,7 +287,9 @@ void OsduClientTest::searchAndStorageReadTheSeededDatasets()
     platform.server.rejectDataRequests(1); // a token cut short: renewed once, then served
     QCOMPARE(search->query({"osdu:wks:*:*", 5, 0, {}}, "opendes").size(), std::size_t(5));
     QCOMPARE(platform.server.issuedTokens().refreshGrants, 1);
-    QCOMPARE(failureOf([&] { search->query({"osdu:wks:*:*", 5, 0, {}}, "elsewhere"); }),
+    QCOMPARE(failureOf([&] {
+                 search->query({"osdu:wks:*:*", 5, 0, {}}, "elsewhere");
+             }),
              "Search failed with status 403: No access to the data partition elsewhere");
 }
 

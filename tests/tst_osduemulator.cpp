@@ -95,14 +95,17 @@ std::string basic(const std::string& secret)
 Answer exchange(Http& http, const OsduEmulator& osdu, const QString& code, const std::string& verifier = kVerifier,
                 const std::string& auth = basic("fast-panel-secret"), const std::string& extra = {})
 {
-    const std::string form = "grant_type=authorization_code&code=" + code.toStdString() + "&code_verifier="
-                             + verifier + "&redirect_uri=" + encoded(kCallback) + extra;
+    const std::string form = "grant_type=authorization_code&code=" + code.toStdString() + "&code_verifier=" + verifier
+                             + "&redirect_uri=" + encoded(kCallback) + extra;
     return http.send(osdu.tokenUrl(), {auth}, form.c_str());
 }
 
 std::string signIn(Http& http, const OsduEmulator& osdu)
 {
-    return exchange(http, osdu, queryItem(authorize(http, osdu).location, "code")).json()["access_token"].toString().toStdString();
+    return exchange(http, osdu, queryItem(authorize(http, osdu).location, "code"))
+        .json()["access_token"]
+        .toString()
+        .toStdString();
 }
 
 std::vector<std::string> dataHeaders(const std::string& token, const std::string& partition = "opendes")
@@ -156,10 +159,13 @@ void OsduEmulatorTest::clientAuthenticatesByBasicOrFormButNotWithAWrongSecret_da
     QTest::addColumn<QString>("form");
     QTest::addColumn<long>("status");
     QTest::newRow("basic") << QString::fromStdString(basic("fast-panel-secret")) << "" << 200L;
-    QTest::newRow("form") << "" << "&client_id=fast-panel&client_secret=fast-panel-secret" << 200L;
+    QTest::newRow("form") << ""
+                          << "&client_id=fast-panel&client_secret=fast-panel-secret" << 200L;
     QTest::newRow("basic, wrong secret") << QString::fromStdString(basic("guess")) << "" << 401L;
-    QTest::newRow("form, wrong secret") << "" << "&client_id=fast-panel&client_secret=guess" << 401L;
-    QTest::newRow("form, no secret") << "" << "&client_id=fast-panel" << 401L;
+    QTest::newRow("form, wrong secret") << ""
+                                        << "&client_id=fast-panel&client_secret=guess" << 401L;
+    QTest::newRow("form, no secret") << ""
+                                     << "&client_id=fast-panel" << 401L;
 }
 
 void OsduEmulatorTest::clientAuthenticatesByBasicOrFormButNotWithAWrongSecret()
@@ -198,11 +204,13 @@ void OsduEmulatorTest::searchMatchesKindWildcardsAndBoundsThePageOnOneConnection
 {
     OsduEmulator osdu;
     osdu.seedDatasets(1200);
-    osdu.addRecord("opendes:work-product-component--SeismicTraceData:t1", "osdu:wks:work-product-component--SeismicTraceData:1.0.0", "{}");
+    osdu.addRecord("opendes:work-product-component--SeismicTraceData:t1",
+                   "osdu:wks:work-product-component--SeismicTraceData:1.0.0", "{}");
     osdu.start();
     Http http;
     const std::string token = signIn(http, osdu);
-    const Answer page = search(http, osdu, token, R"({"kind":")" + kFileCollections + R"(","limit":1000,"offset":100})");
+    const Answer page = search(http, osdu, token,
+                               R"({"kind":")" + kFileCollections + R"(","limit":1000,"offset":100})");
     const QJsonArray results = page.json()["results"].toArray();
     QCOMPARE(page.json()["totalCount"].toInt(), 1200);
     QCOMPARE(results.size(), 1000);
@@ -212,7 +220,8 @@ void OsduEmulatorTest::searchMatchesKindWildcardsAndBoundsThePageOnOneConnection
     QCOMPARE(search(http, osdu, token, R"({"kind":"osdu:wks:dataset--*:2.0.0"})").json()["totalCount"].toInt(), 0);
 
     QCOMPARE(search(http, osdu, token, R"({"kind":")" + kFileCollections + R"(","limit":1001})").status, 400L);
-    QCOMPARE(search(http, osdu, token, R"({"kind":")" + kFileCollections + R"(","limit":1000,"offset":9001})").status, 400L);
+    QCOMPARE(search(http, osdu, token, R"({"kind":")" + kFileCollections + R"(","limit":1000,"offset":9001})").status,
+             400L);
     QCOMPARE(search(http, osdu, token, R"({"kind":"FileCollection"})").status, 400L);
 }
 
@@ -233,12 +242,14 @@ void OsduEmulatorTest::storageFetchesRecordsAndReportsInjectedFailures()
 
     const std::string batch = R"({"records":[")" + osdu.seededDatasetId(1) + R"(","opendes:nope",")"
                               + osdu.seededDatasetId(3) + R"("]})";
-    const QJsonObject found = http.send(osdu.baseUrl() + "/api/storage/v2/query/records", dataHeaders(token), batch.c_str()).json();
+    const QJsonObject found =
+        http.send(osdu.baseUrl() + "/api/storage/v2/query/records", dataHeaders(token), batch.c_str()).json();
     QCOMPARE(found["records"].toArray().size(), 1);
     QCOMPARE(found["invalidRecords"].toArray(), QJsonArray{"opendes:nope"});
     QCOMPARE(found["retryRecords"].toArray().size(), 1);
     const std::string tooMany = R"({"records":[)" + QByteArray("\"x\",").repeated(100).toStdString() + R"("y"]})";
-    QCOMPARE(http.send(osdu.baseUrl() + "/api/storage/v2/query/records", dataHeaders(token), tooMany.c_str()).status, 400L);
+    QCOMPARE(http.send(osdu.baseUrl() + "/api/storage/v2/query/records", dataHeaders(token), tooMany.c_str()).status,
+             400L);
 }
 
 QTEST_GUILESS_MAIN(OsduEmulatorTest)

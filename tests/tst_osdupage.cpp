@@ -82,7 +82,8 @@ void OsduPageTest::connectSignsInAndKeepsTheRefreshToken()
     QVERIFY(!bus.texts(Information).filter("OSDU Authentication: ").isEmpty());
 
     QSettings settings;
-    const QByteArray fingerprint = QCryptographicHash::hash("fast-panel:fast-panel-secret", QCryptographicHash::Sha256).toBase64();
+    const QByteArray fingerprint =
+        QCryptographicHash::hash("fast-panel:fast-panel-secret", QCryptographicHash::Sha256).toBase64();
     QCOMPARE(settings.value("AWS/OSDU_REFRESH_TOKEN_HASH").toString(), QString::fromLatin1(fingerprint));
     QVERIFY(!settings.value("AWS/OSDU_REFRESH_TOKEN").toString().isEmpty());
     QVERIFY(settings.value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime() > QDateTime::currentDateTime());
@@ -132,7 +133,8 @@ void OsduPageTest::searchFiltersByNameDescriptionAndId()
 
     searchFor("");
     QCOMPARE(resultLabel(*m_page), "5 result(s) found");
-    QCOMPARE(resultNames(*m_page), QStringList({"Volume 0001", "Volume 0002", "Volume 0003", "Volume 0004", "Volume 0005"}));
+    QCOMPARE(resultNames(*m_page),
+             QStringList({"Volume 0001", "Volume 0002", "Volume 0003", "Volume 0004", "Volume 0005"}));
     const fast::VdsModel second = *m_page->treeView()->model()->vdsAt(1);
     QCOMPARE(q(second.vdsId), q(vdsId));
     QCOMPARE(q(second.url), q(registeredUrl));
@@ -180,7 +182,8 @@ void OsduPageTest::fastRefusingTheRegistrationStopsTheMount()
     MessageBoxAnswerer boxes;
     EventBusRecorder bus;
     auto* view = m_page->treeView();
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(view->QTreeView::model()->index(0, 2)).center());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
+                      view->visualRect(view->QTreeView::model()->index(0, 2)).center());
     QTRY_COMPARE(boxes.summaries(), QStringList(kRegistrationBox));
     QVERIFY(bus.texts(Information).last().endsWith("already registered in Bluware FAST™."));
     QVERIFY(!openMountDialog(m_page.get()));

@@ -53,7 +53,8 @@ void PanelTest::statusFollowsTheServiceAndConnectedIsSentOnChange()
     QSignalSpy connected(&panel, &fast::FastTabWidget::fastConnected);
     QCOMPARE(status(panel), "Checking connection to Bluware FAST™...");
 
-    QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Connected to Bluware FAST™ 3.1 but Korvane plugin is not available", kPoll);
+    QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Connected to Bluware FAST™ 3.1 but Korvane plugin is not available",
+                              kPoll);
     QVERIFY(connected.isEmpty()); // still false, as from the start
 
     fixture.emulator().service().setPluginInstalled(true);

@@ -191,10 +191,10 @@ void SecretsTest::failedBrowserSignInsLeaveNothingListening_data()
     QTest::addColumn<bool>("silentTokenEndpoint");
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("details");
-    QTest::newRow("refused by the authorization server")
-        << false << "Sign-in was refused by the authorization server"
-        << "invalid_request: code_challenge_method must be S256";
-    QTest::newRow("code exchange timed out") << true << "Unable to reach the authorization server" << "Operation timed out";
+    QTest::newRow("refused by the authorization server") << false << "Sign-in was refused by the authorization server"
+                                                         << "invalid_request: code_challenge_method must be S256";
+    QTest::newRow("code exchange timed out") << true << "Unable to reach the authorization server"
+                                             << "Operation timed out";
 }
 
 void SecretsTest::failedBrowserSignInsLeaveNothingListening()
@@ -203,8 +203,15 @@ void SecretsTest::failedBrowserSignInsLeaveNothingListening()
     QFETCH(QString, message);
     QFETCH(QString, details);
     osdu::AWSOsduAuthProvider provider;
-    provider.initialize({kClientId, kClientSecret, m_osdu->authorizeUrl(), m_osdu->tokenUrl(), "openid email", {},
-                         "http://127.0.0.1", 0, {}});
+    provider.initialize({kClientId,
+                         kClientSecret,
+                         m_osdu->authorizeUrl(),
+                         m_osdu->tokenUrl(),
+                         "openid email",
+                         {},
+                         "http://127.0.0.1",
+                         0,
+                         {}});
     const auto weakenedChallenge = replacingQueryItem("code_challenge_method", "plain");
     provider.setBrowserOpener(m_browser.opener(silentTokenEndpoint ? testBrowser() : testBrowser(weakenedChallenge)));
     hear(&provider);

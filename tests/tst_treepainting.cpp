@@ -13,9 +13,9 @@
 #include <fast/trees/VdsTreeView.h>
 
 #include <QCheckBox>
-#include <QStyleOptionButton>
 #include <QLayout>
 #include <QPainter>
+#include <QStyleOptionButton>
 #include <QtTest>
 
 namespace {
@@ -196,7 +196,8 @@ void TreePaintingTest::filterIconIsHighlightedWhileAnythingIsHidden()
     view.setConnectedToFast(true);
     showExpanded(view);
     auto& header = static_cast<fast::FastHeaderView&>(*view.header());
-    const QRect iconRect = header.getDrawingRect(QRect(header.sectionViewportPosition(0), 0, header.sectionSize(0), header.height()));
+    const QRect iconRect = header.getDrawingRect(
+        QRect(header.sectionViewportPosition(0), 0, header.sectionSize(0), header.height()));
     const auto drawnIcon = [&] { return header.viewport()->grab().toImage().copy(iconRect); };
     // Hovering highlights too: start with the mouse elsewhere.
     QEvent leave(QEvent::Leave);

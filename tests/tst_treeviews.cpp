@@ -24,7 +24,9 @@ struct SignalLog
                          [this](const fast::VdsModel& vds) { calls << "mount " + vds.name; });
         QObject::connect(&view, qOverload<std::string, std::vector<fast::VdsFile>>(&fast::FastTreeView::unmountVds),
                          &view, [this](const std::string& vdsId, const std::vector<fast::VdsFile>& files) {
-                             calls << QString("unmount %1 with %2 files").arg(QString::fromStdString(vdsId)).arg(files.size());
+                             calls << QString("unmount %1 with %2 files")
+                                          .arg(QString::fromStdString(vdsId))
+                                          .arg(files.size());
                          });
         QObject::connect(&view, &fast::FastTreeView::deleteFile, &view,
                          [this](const std::string& vdsId, fast::VdsFile& file) {
@@ -45,7 +47,8 @@ void prepare(View& view)
     showExpanded(view);
 }
 
-void click(fast::FastTreeView& view, std::initializer_list<int> path, int column, Qt::MouseButton button = Qt::LeftButton)
+void click(fast::FastTreeView& view, std::initializer_list<int> path, int column,
+           Qt::MouseButton button = Qt::LeftButton)
 {
     QTest::mouseClick(view.viewport(), button, {}, centreOf(view, cellAt(view, path, column)));
 }
@@ -71,11 +74,11 @@ void TreeViewsTest::vdsIconsUnmountVolumesAndDeleteFiles()
     SignalLog log(view);
 
     click(view, {0}, 2);
-    click(view, {0, 0, 1}, 2);          // file "b" under "Files"
-    click(view, {1}, 2);                // no FAST id: nothing
-    click(view, {0}, 1);                // same row, not the icon
+    click(view, {0, 0, 1}, 2); // file "b" under "Files"
+    click(view, {1}, 2);       // no FAST id: nothing
+    click(view, {0}, 1);       // same row, not the icon
     click(view, {0, 0, 0}, 2, Qt::RightButton);
-    click(view, {0, 1}, 2);             // the "Id" row has no icon
+    click(view, {0, 1}, 2); // the "Id" row has no icon
     QCOMPARE(log.calls, QStringList({"unmount v1 with 2 files", "delete f2 of v1"}));
 }
 
@@ -85,11 +88,11 @@ void TreeViewsTest::osduIconsMountAndUnmount()
     prepare<fast::OsduTreeView, fast::OsduTreeDelegate>(view);
     SignalLog log(view);
 
-    click(view, {0}, 2);                // mounting is offered whatever the state
+    click(view, {0}, 2); // mounting is offered whatever the state
     click(view, {1}, 2);
     click(view, {0}, 3);
-    click(view, {1}, 3);                // not registered: nothing to unmount
-    click(view, {0, 0, 0}, 2);          // a file row's icon sits in the mount column
+    click(view, {1}, 3);       // not registered: nothing to unmount
+    click(view, {0, 0, 0}, 2); // a file row's icon sits in the mount column
     click(view, {0, 0, 0}, 3);
     click(view, {0}, 2, Qt::MiddleButton);
     QCOMPARE(log.calls, QStringList({"mount cube", "mount fresh", "unmount v1 with 2 files", "mount cube"}));

@@ -22,8 +22,7 @@ QString describe(const std::vector<VdsInfo>& infos)
         QStringList files;
         for (const fast::VdsFile& file : info.files)
             files << QString::fromStdString(file.fileId + ':' + file.fileName);
-        records << QString::fromStdString(info.vdsId + '=' + info.url) + '[' + files.join(',')
-                       + ']';
+        records << QString::fromStdString(info.vdsId + '=' + info.url) + '[' + files.join(',') + ']';
     }
     return records.join(' ');
 }
@@ -73,18 +72,16 @@ private slots:
         QCOMPARE(join(oneVolume, "null"), "1=u[]");
         QCOMPARE(join(oneVolume, ""), "1=u[]");
         // Entries without an id are kept, and an empty vdsId names the first of them.
-        QCOMPARE(join(R"([{"id":"2"},{},{"url":"u"}])", R"([{"id":"f","vdsId":"","path":"/x"}])"),
-                 "2=[] =[f:x] =u[]");
+        QCOMPARE(join(R"([{"id":"2"},{},{"url":"u"}])", R"([{"id":"f","vdsId":"","path":"/x"}])"), "2=[] =[f:x] =u[]");
         QCOMPARE(join(R"([{"id":12,"url":"u"}])",
                       R"([{"id":7,"vdsId":12,"path":"/a"},{"id":8,"vdsId":"12","path":"/b"}])"),
                  "12=u[7:a,8:b]");
         // Incomplete files and files of no listed volume are skipped; the rest lose the first
         // path character, whatever it is.
-        QCOMPARE(join(oneVolume,
-                      R"([{"id":"b","path":"/b"},{"vdsId":"1","path":"/c"},{"id":"d","vdsId":"1"},)"
-                      R"({"id":"z","vdsId":"9","path":"/z"},)"
-                      R"({"id":"e","vdsId":"1","path":"/e.vds"},{"id":"f","vdsId":"1","path":""},)"
-                      R"({"id":"g","vdsId":"1","path":"x"}])"),
+        QCOMPARE(join(oneVolume, R"([{"id":"b","path":"/b"},{"vdsId":"1","path":"/c"},{"id":"d","vdsId":"1"},)"
+                                 R"({"id":"z","vdsId":"9","path":"/z"},)"
+                                 R"({"id":"e","vdsId":"1","path":"/e.vds"},{"id":"f","vdsId":"1","path":""},)"
+                                 R"({"id":"g","vdsId":"1","path":"x"}])"),
                  "1=u[e:e.vds,f:,g:]");
     }
 
@@ -103,9 +100,7 @@ private slots:
 
     void jsonValueGivesTheValueAsText()
     {
-        const auto value = [](const char* json) {
-            return QString::fromStdString(fast::jsonValue("k", json));
-        };
+        const auto value = [](const char* json) { return QString::fromStdString(fast::jsonValue("k", json)); };
         QCOMPARE(value("{\"k\":\"a \\\"b\\\"\"}"), "a \"b\"");
         QCOMPARE(value(R"({"other":1,"k":-1500})"), "-1500");
         // Nested values must come back as JSON that the next level can parse.
@@ -122,8 +117,8 @@ private slots:
             R"("dim2":{"properties":{"min":{"default":4},"max":{"default":"2000"}}},)"
             R"("dim0":{"properties":{"min":{"default":0},"max":{"default":1500}}},)"
             R"("dim1":{"properties":{"min":{"default":-20},"max":{"other":700}}}}}}})");
-        QCOMPARE(QString::fromStdString(r.dim0Min + ' ' + r.dim0Max + ' ' + r.dim1Min + ' '
-                                        + r.dim1Max + ' ' + r.dim2Min + ' ' + r.dim2Max),
+        QCOMPARE(QString::fromStdString(r.dim0Min + ' ' + r.dim0Max + ' ' + r.dim1Min + ' ' + r.dim1Max + ' '
+                                        + r.dim2Min + ' ' + r.dim2Max),
                  QString("0 1500 -20  4 2000"));
     }
 
@@ -135,15 +130,27 @@ private slots:
 
         const QString badCast = "^BadCast: Can not convert \\S+ to \\S+\\.$";
         const QString null = "^InvalidAccess: Can not convert empty value\\.$";
-        QTest::newRow("listing is an object") << "volumes" << "{}" << badCast;
-        QTest::newRow("value of an array") << "value" << "[1]" << badCast;
-        QTest::newRow("volume id is null") << "volumes" << R"([{"id":null}])" << null;
-        QTest::newRow("value is null") << "value" << R"({"id":null})" << null;
-        QTest::newRow("volume is not an object") << "volumes" << "[1]" << "^NullPointer: ";
-        QTest::newRow("file entry is null") << "files" << "[null]" << "^NullPointer: ";
+        QTest::newRow("listing is an object") << "volumes"
+                                              << "{}" << badCast;
+        QTest::newRow("value of an array") << "value"
+                                           << "[1]" << badCast;
+        QTest::newRow("volume id is null") << "volumes"
+                                           << R"([{"id":null}])" << null;
+        QTest::newRow("value is null") << "value"
+                                       << R"({"id":null})" << null;
+        QTest::newRow("volume is not an object") << "volumes"
+                                                 << "[1]"
+                                                 << "^NullPointer: ";
+        QTest::newRow("file entry is null") << "files"
+                                            << "[null]"
+                                            << "^NullPointer: ";
         // The parser takes only an object or an array as the root.
-        QTest::newRow("root is null") << "files" << " null" << "^JSON: ";
-        QTest::newRow("number out of range") << "range" << R"({"properties":1e400})" << "^JSON: ";
+        QTest::newRow("root is null") << "files"
+                                      << " null"
+                                      << "^JSON: ";
+        QTest::newRow("number out of range") << "range"
+                                             << R"({"properties":1e400})"
+                                             << "^JSON: ";
     }
 
     void irregularShapesThrowTheDocumentedExceptions()

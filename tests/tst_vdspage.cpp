@@ -73,15 +73,19 @@ void VdsPageTest::typicalMountFromEitherPage()
     QTRY_COMPARE(page.added.size(), 1);
 
     QCOMPARE(page.added.first().at(0).toString(), "cube");
-    QCOMPARE(page.added.first().at(1).value<fast::eVdsLocation>(), type == VdsWidget::LOCAL_FILE ? fast::LOCAL_FILE : fast::CLOUD_URL);
+    QCOMPARE(page.added.first().at(1).value<fast::eVdsLocation>(),
+             type == VdsWidget::LOCAL_FILE ? fast::LOCAL_FILE : fast::CLOUD_URL);
     const std::string vdsId = fixture.emulator().service().volumes().at(0).id;
     QCOMPARE(fixture.requestLines(),
              QStringList({"GET /api/v2/file/", "GET /api/v2/vds/", "POST /api/v2/vds/",
                           q("GET /api/v2/plugin/Korvane?vdsId=" + vdsId), "POST /api/v2/file/"}));
-    QVERIFY(bus.texts(Information).contains(QString("Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.").arg(url, q(vdsId))));
+    QVERIFY(
+        bus.texts(Information)
+            .contains(QString("Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.").arg(url, q(vdsId))));
     QTRY_VERIFY(QFile::exists(fixture.projectDir() + "/cube"));
     const QString name = type == VdsWidget::LOCAL_FILE ? "cube.part.vds" : "abcube";
-    QVERIFY2(dumpTree(page.model()).startsWith(name + "(0,-1) | (0,-1) | (0,-1)*\n  Files(0,-1)"), qPrintable(dumpTree(page.model())));
+    QVERIFY2(dumpTree(page.model()).startsWith(name + "(0,-1) | (0,-1) | (0,-1)*\n  Files(0,-1)"),
+             qPrintable(dumpTree(page.model())));
     QCOMPARE(page.model().vdsAt(0)->files.size(), std::size_t(1));
 }
 
@@ -142,8 +146,9 @@ void VdsPageTest::initListsOnlyVolumesWithProjectFiles()
 {
     FastEmulatorFixture fixture;
     auto client = fixture.client();
-    const std::pair<const char*, const char*> mounts[] = {
-        {"/data/cube.part.vds", "in-local"}, {"/data/other.vds", "in-other"}, {"https://store.example/a/b/cube", "in-cloud"}};
+    const std::pair<const char*, const char*> mounts[] = {{"/data/cube.part.vds", "in-local"},
+                                                          {"/data/other.vds", "in-other"},
+                                                          {"https://store.example/a/b/cube", "in-cloud"}};
     for (const auto& [url, file] : mounts)
         client->mountFile(client->registerVds(url)->getMessage(), file, "", 0, 1, 0, 1, 0, 1);
 

@@ -193,9 +193,8 @@ std::shared_ptr<osdu::HttpResponse> Fast::registerVds(const std::string& url) co
 
 std::shared_ptr<osdu::HttpResponse> Fast::mountFile(const std::string& vdsId, const std::string& fileName,
                                                     const std::string& linkPath, std::int32_t dim0Min,
-                                                    std::int32_t dim0Max, std::int32_t dim1Min,
-                                                    std::int32_t dim1Max, std::int32_t dim2Min,
-                                                    std::int32_t dim2Max) const
+                                                    std::int32_t dim0Max, std::int32_t dim1Min, std::int32_t dim1Max,
+                                                    std::int32_t dim2Min, std::int32_t dim2Max) const
 {
     Poco::JSON::Object::Ptr subvolume = new Poco::JSON::Object;
     subvolume->set("dim0", range(dim0Min, dim0Max));
@@ -204,8 +203,7 @@ std::shared_ptr<osdu::HttpResponse> Fast::mountFile(const std::string& vdsId, co
 
     // FAST reads the link path with its separators escaped once more: each Windows separator
     // goes out doubled before the writer escapes it.
-    const std::string escapedLinkPath =
-        QString::fromStdString(linkPath).replace("\\", "\\\\").toStdString();
+    const std::string escapedLinkPath = QString::fromStdString(linkPath).replace("\\", "\\\\").toStdString();
 
     Poco::JSON::Object::Ptr parameters = new Poco::JSON::Object;
     parameters->set("link_path", escapedLinkPath);
@@ -239,8 +237,8 @@ void Fast::unmountVds(const std::string& vdsId, const std::vector<VdsFile>& file
 
 SubvolumeRange Fast::getPluginDescription(const std::string& pluginName, const std::string& vdsId) const
 {
-    const auto response =
-        tracedCall(Method::Get, m_baseUrl + kApi + "plugin/" + pluginName + "?vdsId=" + vdsId, PluginDescriptionCall);
+    const auto response = tracedCall(Method::Get, m_baseUrl + kApi + "plugin/" + pluginName + "?vdsId=" + vdsId,
+                                     PluginDescriptionCall);
     if (response->getResponse() != 200) {
         throw std::runtime_error(QString("HTTP request failed with status=%1, message=%2")
                                      .arg(QString::number(response->getResponse()), text(response->getMessage()))

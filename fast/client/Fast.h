@@ -48,9 +48,8 @@ public:
     std::shared_ptr<osdu::HttpResponse> registerVds(const std::string& url) const;
     std::shared_ptr<osdu::HttpResponse> mountFile(const std::string& vdsId, const std::string& fileName,
                                                   const std::string& linkPath, std::int32_t dim0Min,
-                                                  std::int32_t dim0Max, std::int32_t dim1Min,
-                                                  std::int32_t dim1Max, std::int32_t dim2Min,
-                                                  std::int32_t dim2Max) const;
+                                                  std::int32_t dim0Max, std::int32_t dim1Min, std::int32_t dim1Max,
+                                                  std::int32_t dim2Min, std::int32_t dim2Max) const;
     std::shared_ptr<osdu::HttpResponse> deleteFile(const std::string& fileId) const;
     // Deletes each file, whatever the outcome, then the volume itself.
     void unmountVds(const std::string& vdsId, const std::vector<VdsFile>& files) const;

@@ -99,8 +99,7 @@ std::vector<VdsInfo> parseVdsInfos(const std::string& vdsListJson, const std::st
     return infos;
 }
 
-std::vector<VdsInfo>::iterator findVdsInfo(std::vector<VdsInfo>::iterator first,
-                                           std::vector<VdsInfo>::iterator last,
+std::vector<VdsInfo>::iterator findVdsInfo(std::vector<VdsInfo>::iterator first, std::vector<VdsInfo>::iterator last,
                                            const Poco::JSON::Object::Ptr& fileEntry)
 {
     const std::string vdsId = fileEntry->get("vdsId").convert<std::string>();
@@ -135,8 +134,7 @@ std::string jsonValue(const std::string& key, const std::string& json)
 
 SubvolumeRange parseSubvolumeRange(const std::string& pluginJson)
 {
-    const std::string subvolume =
-        jsonValue("properties", jsonValue("subvolume", jsonValue("properties", pluginJson)));
+    const std::string subvolume = jsonValue("properties", jsonValue("subvolume", jsonValue("properties", pluginJson)));
     const auto bound = [&subvolume](const char* dimension, const char* which) {
         const std::string limits = jsonValue("properties", jsonValue(dimension, subvolume));
         return jsonValue("default", jsonValue(which, limits));

@@ -30,11 +30,10 @@ struct VdsInfo
 struct VdsModel
 {
     VdsModel() = default;
-    VdsModel(QString recordId, QString name, QString kind, QString description, std::string vdsId,
-             std::string url, std::vector<VdsFile> files)
+    VdsModel(QString recordId, QString name, QString kind, QString description, std::string vdsId, std::string url,
+             std::vector<VdsFile> files)
         : recordId(std::move(recordId)), name(std::move(name)), kind(std::move(kind)),
-          description(std::move(description)), vdsId(std::move(vdsId)), url(std::move(url)),
-          files(std::move(files))
+          description(std::move(description)), vdsId(std::move(vdsId)), url(std::move(url)), files(std::move(files))
     {
     }
 

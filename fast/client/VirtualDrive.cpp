@@ -48,8 +48,7 @@ std::string modifyVdsFilepath(const std::string& path)
 
     const std::string marker = kStorageDomainMarker;
     const std::size_t s3 = url.size() >= 2 ? url.find("s3") : std::string::npos;
-    const std::size_t markerPosition =
-        url.size() >= marker.size() ? url.find(marker) : std::string::npos;
+    const std::size_t markerPosition = url.size() >= marker.size() ? url.find(marker) : std::string::npos;
     if (s3 != std::string::npos && markerPosition != std::string::npos) {
         const std::size_t eraseStart = s3 + 2;
         const std::size_t charactersLeft = url.size() - eraseStart;

@@ -41,7 +41,8 @@ public:
             factory->registerKind(kRegisteredKind, &osdu::deserialiseFileCollection);
         } catch (const std::exception& failure) {
             trace(QString("FAST FileCollectionSearch exception %1").arg(45));
-            trace(QString("Unable to register OSDU kind %1: %2").arg(text(kRegisteredKind), QString::fromUtf8(failure.what())));
+            trace(QString("Unable to register OSDU kind %1: %2")
+                      .arg(text(kRegisteredKind), QString::fromUtf8(failure.what())));
         }
         m_storage = osdu::createStorage(m_client, factory);
     }

@@ -44,7 +44,7 @@ int leadingInteger(const std::string& text)
 
 struct StoredToken
 {
-    std::string token;  // the raw stored value
+    std::string token; // the raw stored value
     bool usable = false;
 };
 

@@ -4,7 +4,9 @@
 
 namespace fast {
 
-OsduTreeItem::OsduTreeItem(const QString& text, int datasetIndex) : OsduTreeItem(text, datasetIndex, -1) {}
+OsduTreeItem::OsduTreeItem(const QString& text, int datasetIndex) : OsduTreeItem(text, datasetIndex, -1)
+{
+}
 
 OsduTreeItem::OsduTreeItem(const QString& text, int datasetIndex, int fileIndex) : QStandardItem(text)
 {

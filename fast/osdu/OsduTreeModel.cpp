@@ -28,8 +28,8 @@ void OsduTreeModel::populate()
         appendChild(top.first(), filesRow);
         for (int k = 0; k < static_cast<int>(dataset.files.size()); ++k) {
             const VdsFile& file = dataset.files[static_cast<std::size_t>(k)];
-            QList<QStandardItem*> fileRow = makeRow(
-                {QString::fromStdString(file.fileName), QString::fromStdString(file.fileId)}, i, k);
+            QList<QStandardItem*> fileRow =
+                makeRow({QString::fromStdString(file.fileName), QString::fromStdString(file.fileId)}, i, k);
             static_cast<OsduTreeItem*>(fileRow[2])->setAction();
             // Only the name, id and action cells stand for the file.
             fileRow[3]->setData(-1, FileIndexRole);

@@ -116,9 +116,11 @@ void FastTabWidget::closeEvent(QCloseEvent* event)
 
 void FastTabWidget::updateStatus(bool serviceAvailable, bool korvanePluginAvailable, const QString& version)
 {
-    const QString status = !serviceAvailable        ? QString("Not connected to Bluware FAST™")
-                           : korvanePluginAvailable ? QString("Connected to Bluware FAST™ %1").arg(version)
-                                                    : QString("Connected to Bluware FAST™ %1 but Korvane plugin is not available").arg(version);
+    const QString status =
+        !serviceAvailable ? QString("Not connected to Bluware FAST™")
+        : korvanePluginAvailable
+            ? QString("Connected to Bluware FAST™ %1").arg(version)
+            : QString("Connected to Bluware FAST™ %1 but Korvane plugin is not available").arg(version);
     if (m_statusLabel->text() != status)
         m_statusLabel->setText(status);
 

@@ -59,8 +59,8 @@ int toWholeDepth(double value)
 
 } // namespace
 
-MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::string& vdsId,
-                               const SubvolumeRange& range, const QString& projectPath, QWidget* parent)
+MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::string& vdsId, const SubvolumeRange& range,
+                               const QString& projectPath, QWidget* parent)
     : QDialog(parent), m_fast(fast), m_vdsId(vdsId), m_projectPath(projectPath)
 {
     setWindowTitle(QStringLiteral("Mount a VDS with Bluware FAST\u2122"));
@@ -73,17 +73,20 @@ MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::str
     grid->addWidget(m_fileNameLabel, 0, 0, Qt::AlignLeft);
     grid->addWidget(new kvWidgets::HelpToolTip(
                         helpIcon,
-                        QStringLiteral("The filename corresponds to the mounted volume. This name will be displayed in the "
-                           "Project Browser of the current project as well as in the FAST\u2122 local virtual "
-                           "drive."),
+                        QStringLiteral(
+                            "The filename corresponds to the mounted volume. This name will be displayed in the "
+                            "Project Browser of the current project as well as in the FAST\u2122 local virtual "
+                            "drive."),
                         this),
                     0, 1, Qt::AlignRight);
     m_fileNameEdit = new QLineEdit(this);
     grid->addWidget(m_fileNameEdit, 1, 0, 1, 2);
 
     grid->addWidget(new QLabel(QStringLiteral("Zone of Interest"), this), 2, 0, Qt::AlignLeft);
-    grid->addWidget(new kvWidgets::HelpToolTip(
-                        helpIcon, QStringLiteral("Leave the fields below unchanged to mount the whole volume."), this),
+    grid->addWidget(new kvWidgets::HelpToolTip(helpIcon,
+                                               QStringLiteral(
+                                                   "Leave the fields below unchanged to mount the whole volume."),
+                                               this),
                     2, 1, Qt::AlignRight);
 
     m_inline = addAxisRow(QStringLiteral("In-line"), 3);
@@ -201,18 +204,18 @@ void MountNewVolume::onSave()
     const QFileInfo link(m_projectPath + QDir::separator() + name + QStringLiteral(".kv"));
     // FAST takes the Z pair first and the In-line pair last, the reverse of the description
     // that set the rows' defaults; mounts made so far depend on this order, so it stays.
-    const auto response = m_fast->mountFile(
-        m_vdsId, name.toUtf8().toStdString(), m_projectPath.toUtf8().toStdString(), m_z.slider->lowerValue(),
-        m_z.slider->upperValue(), m_crossline.slider->lowerValue(), m_crossline.slider->upperValue(),
-        m_inline.slider->lowerValue(), m_inline.slider->upperValue());
+    const auto response = m_fast->mountFile(m_vdsId, name.toUtf8().toStdString(), m_projectPath.toUtf8().toStdString(),
+                                            m_z.slider->lowerValue(), m_z.slider->upperValue(),
+                                            m_crossline.slider->lowerValue(), m_crossline.slider->upperValue(),
+                                            m_inline.slider->lowerValue(), m_inline.slider->upperValue());
     const int status = response->getResponse();
     const QString body = QString::fromStdString(response->getMessage());
     if (status != 200) {
         showMountError(link.completeBaseName(), status, body);
-        MDEventBus::sendMessage(
-            1, QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : %1 : %2")
-                   .arg(QString::number(status), body),
-            false);
+        MDEventBus::sendMessage(1,
+                                QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : %1 : %2")
+                                    .arg(QString::number(status), body),
+                                false);
         done(0);
         return;
     }

@@ -16,8 +16,8 @@
 #include <korvane/IconXPMHandler.h>
 #include <kvWidgets/HelpToolTip.h>
 #include <osdu/FileCollection.h>
-#include <osdu/OsduAuthProvider.h>
 #include <osdu/HttpResponse.h>
+#include <osdu/OsduAuthProvider.h>
 
 #include <Poco/JSON/JSONException.h>
 
@@ -102,7 +102,8 @@ void OsduWidget::onConnect()
 {
     // The initializer is process-wide and keeps the first provider.
     m_providerChoice->setEnabled(false);
-    m_initializer = OsduFastInitializer::instance(static_cast<OsduFastInitializer::eCloudProvider>(m_providerChoice->currentIndex()));
+    m_initializer = OsduFastInitializer::instance(
+        static_cast<OsduFastInitializer::eCloudProvider>(m_providerChoice->currentIndex()));
     if (!m_initializer->isInitialized()) {
         trace("FAST OSDU connection error");
         QMessageBox::critical(this, "Error Initializing OSDU", "Failed to initialize the OSDU runtime environment.",
@@ -183,7 +184,8 @@ void OsduWidget::onSearchDone(const std::shared_ptr<osdu::StorageRecordCollectio
         const std::string url = modifyVdsFilepath(collection->getDatasetProperties().getFileSource());
         VdsModel vds(local8Bit(collection->getId()), local8Bit(collection->getName()), local8Bit(collection->getKind()),
                      local8Bit(collection->getDescription()), {}, url, {});
-        const auto known = std::find_if(volumes.begin(), volumes.end(), [&url](const VdsInfo& info) { return info.url == url; });
+        const auto known = std::find_if(volumes.begin(), volumes.end(),
+                                        [&url](const VdsInfo& info) { return info.url == url; });
         if (known != volumes.end()) {
             vds.vdsId = known->vdsId;
             vds.files = known->files;
@@ -217,9 +219,10 @@ void OsduWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel
         openMountDialog(projectPath, vdsModel, vdsId);
     } catch (const Poco::JSON::JSONException& failure) {
         trace(QString("FAST OSDU onMountVds JSONException %1").arg(286));
-        error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception while parsing JSON to get volume "
-                      "data from VDS: %3")
-                  .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
+        error(
+            QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception while parsing JSON to get volume "
+                    "data from VDS: %3")
+                .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
         warnMountFailed(this);
     } catch (const std::exception& failure) {
         trace(QString("FAST OSDU onMountVds exception %1").arg(302));

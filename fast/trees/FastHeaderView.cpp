@@ -119,8 +119,8 @@ void FastHeaderView::syncAllCheckBox()
     for (const QCheckBox* box : qAsConst(m_checkBoxes))
         checked += box->checkState() == Qt::Checked ? 1 : 0;
     const Qt::CheckState state = checked == 0 && !m_checkBoxes.isEmpty() ? Qt::Unchecked
-                                 : checked == m_checkBoxes.size()          ? Qt::Checked
-                                                                           : Qt::PartiallyChecked;
+                                 : checked == m_checkBoxes.size()        ? Qt::Checked
+                                                                         : Qt::PartiallyChecked;
     m_syncingAll = true;
     m_allCheckBox->setCheckState(state);
     if (state != Qt::PartiallyChecked)

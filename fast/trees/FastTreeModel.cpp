@@ -17,7 +17,9 @@ QString text(const std::string& utf8)
 
 } // namespace
 
-FastTreeModel::FastTreeModel(QObject* parent) : QStandardItemModel(parent) {}
+FastTreeModel::FastTreeModel(QObject* parent) : QStandardItemModel(parent)
+{
+}
 
 void FastTreeModel::addVds(const VdsModel& vds)
 {

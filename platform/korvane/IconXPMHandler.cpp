@@ -89,7 +89,9 @@ struct IconXPMHandler::Private
     }
 };
 
-IconXPMHandler::IconXPMHandler() : d(new Private) {}
+IconXPMHandler::IconXPMHandler() : d(new Private)
+{
+}
 
 IconXPMHandler::~IconXPMHandler()
 {

@@ -39,9 +39,10 @@ void MDEventBus::sendMessage(int kind, const QString& text, bool /*popup*/)
     // iterator, keeps the walk valid when a listener adds or removes listeners.
     int lastDelivered = 0;
     for (;;) {
-        const auto next = std::upper_bound(
-            bus.registrations.begin(), bus.registrations.end(), lastDelivered,
-            [](int id, const Registration& registration) { return id < registration.id; });
+        const auto next = std::upper_bound(bus.registrations.begin(), bus.registrations.end(), lastDelivered,
+                                           [](int id, const Registration& registration) {
+                                               return id < registration.id;
+                                           });
         if (next == bus.registrations.end())
             return;
         lastDelivered = next->id;

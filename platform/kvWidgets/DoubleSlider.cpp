@@ -17,8 +17,7 @@ constexpr int PageSteps = 10;
 
 } // namespace
 
-DoubleSlider::DoubleSlider(QWidget* parent)
-    : QWidget(parent)
+DoubleSlider::DoubleSlider(QWidget* parent) : QWidget(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed, QSizePolicy::Slider));
@@ -82,8 +81,7 @@ QSize DoubleSlider::sizeHint() const
     QStyleOptionSlider option;
     initStyleOption(&option, m_lower);
     const int thickness = style()->pixelMetric(QStyle::PM_SliderThickness, &option, this);
-    return style()->sizeFromContents(QStyle::CT_Slider, &option,
-                                     QSize(PreferredLength, thickness), this);
+    return style()->sizeFromContents(QStyle::CT_Slider, &option, QSize(PreferredLength, thickness), this);
 }
 
 QSize DoubleSlider::minimumSizeHint() const
@@ -105,8 +103,7 @@ void DoubleSlider::paintEvent(QPaintEvent* /*event*/)
     groove.subControls = QStyle::SC_SliderGroove;
     style()->drawComplexControl(QStyle::CC_Slider, &groove, &painter, this);
 
-    const QRect grooveRect =
-        style()->subControlRect(QStyle::CC_Slider, &groove, QStyle::SC_SliderGroove, this);
+    const QRect grooveRect = style()->subControlRect(QStyle::CC_Slider, &groove, QStyle::SC_SliderGroove, this);
     const int lowerCentre = handleRect(Handle::Lower).center().x();
     const int upperCentre = handleRect(Handle::Upper).center().x();
     // Some styles report the groove as tall as the handles; a thin band reads as a range in all.
@@ -205,19 +202,36 @@ void DoubleSlider::mouseReleaseEvent(QMouseEvent* event)
 void DoubleSlider::keyPressEvent(QKeyEvent* event)
 {
     // Left and Right follow the screen, so they swap meaning in a right-to-left layout.
-    const qint64 step = layoutDirection() == Qt::RightToLeft ? -qint64(m_singleStep)
-                                                             : qint64(m_singleStep);
+    const qint64 step = layoutDirection() == Qt::RightToLeft ? -qint64(m_singleStep) : qint64(m_singleStep);
     qint64 target = value(m_focusHandle);
     switch (event->key()) {
-    case Qt::Key_Left: target -= step; break;
-    case Qt::Key_Right: target += step; break;
-    case Qt::Key_Down: target -= m_singleStep; break;
-    case Qt::Key_Up: target += m_singleStep; break;
-    case Qt::Key_PageDown: target -= qint64(PageSteps) * m_singleStep; break;
-    case Qt::Key_PageUp: target += qint64(PageSteps) * m_singleStep; break;
-    case Qt::Key_Home: target = m_minimum; break;
-    case Qt::Key_End: target = m_maximum; break;
-    default: QWidget::keyPressEvent(event); return;
+    case Qt::Key_Left:
+        target -= step;
+        break;
+    case Qt::Key_Right:
+        target += step;
+        break;
+    case Qt::Key_Down:
+        target -= m_singleStep;
+        break;
+    case Qt::Key_Up:
+        target += m_singleStep;
+        break;
+    case Qt::Key_PageDown:
+        target -= qint64(PageSteps) * m_singleStep;
+        break;
+    case Qt::Key_PageUp:
+        target += qint64(PageSteps) * m_singleStep;
+        break;
+    case Qt::Key_Home:
+        target = m_minimum;
+        break;
+    case Qt::Key_End:
+        target = m_maximum;
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
     }
     setValue(m_focusHandle, int(qBound<qint64>(m_minimum, target, m_maximum)));
 }
@@ -267,10 +281,8 @@ int DoubleSlider::valueAt(int handleLeft) const
 {
     QStyleOptionSlider option;
     initStyleOption(&option, m_minimum);
-    const QRect groove =
-        style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderGroove, this);
-    const QRect handle =
-        style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+    const QRect groove = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderGroove, this);
+    const QRect handle = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
     return QStyle::sliderValueFromPosition(m_minimum, m_maximum, handleLeft - groove.x(),
                                            groove.width() - handle.width(), option.upsideDown);
 }

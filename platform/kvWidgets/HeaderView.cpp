@@ -29,16 +29,14 @@ QPixmap drawFunnel(int size, qreal ratio, const QColor& colour, qreal opacity)
     painter.setOpacity(opacity);
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
-    const QPointF funnel[] = {{1.5, 2.5}, {14.5, 2.5}, {9.5, 8.5},
-                              {9.5, 14.0}, {6.5, 12.5}, {6.5, 8.5}};
+    const QPointF funnel[] = {{1.5, 2.5}, {14.5, 2.5}, {9.5, 8.5}, {9.5, 14.0}, {6.5, 12.5}, {6.5, 8.5}};
     painter.drawPolygon(funnel, int(std::size(funnel)));
     return pixmap;
 }
 
 } // namespace
 
-HeaderView::HeaderView(Qt::Orientation orientation, QWidget* parent)
-    : QHeaderView(orientation, parent)
+HeaderView::HeaderView(Qt::Orientation orientation, QWidget* parent) : QHeaderView(orientation, parent)
 {
     // The hovered section shows its icon, which needs moves without a button held.
     setMouseTracking(true);
@@ -107,12 +105,11 @@ QWidget* HeaderView::popupWidget() const
 QRect HeaderView::getDrawingRect(const QRect& sectionRect) const
 {
     const int margin = iconMargin();
-    const int side =
-        qMin(iconSize(), qMin(sectionRect.width(), sectionRect.height()) - 2 * margin);
+    const int side = qMin(iconSize(), qMin(sectionRect.width(), sectionRect.height()) - 2 * margin);
     if (side <= 0)
         return QRect();
-    return QRect(sectionRect.right() + 1 - margin - side,
-                 sectionRect.top() + (sectionRect.height() - side) / 2, side, side);
+    return QRect(sectionRect.right() + 1 - margin - side, sectionRect.top() + (sectionRect.height() - side) / 2, side,
+                 side);
 }
 
 QPixmap HeaderView::getFilterPixmap(bool highlighted) const
@@ -124,8 +121,7 @@ QPixmap HeaderView::getFilterPixmap(bool highlighted) const
         m_pixmapPaletteKey = pal.cacheKey();
         m_pixmapColorGroup = pal.currentColorGroup();
         m_pixmapRatio = ratio;
-        m_plainPixmap = drawFunnel(iconSize(), ratio, pal.color(QPalette::ButtonText),
-                                   MutedOpacity);
+        m_plainPixmap = drawFunnel(iconSize(), ratio, pal.color(QPalette::ButtonText), MutedOpacity);
         m_highlightedPixmap = drawFunnel(iconSize(), ratio, pal.color(QPalette::Highlight), 1.0);
     }
     return highlighted ? m_highlightedPixmap : m_plainPixmap;
@@ -168,15 +164,14 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int logicalI
     const bool first = visual == 0;
     const bool last = visual == count() - 1;
     face.position = first && last ? QStyleOptionHeader::OnlyOneSection
-        : first                   ? QStyleOptionHeader::Beginning
-        : last                    ? QStyleOptionHeader::End
+                    : first       ? QStyleOptionHeader::Beginning
+                    : last        ? QStyleOptionHeader::End
                                   : QStyleOptionHeader::Middle;
     if (logicalIndex == m_hoverIndex && isEnabled())
         face.state |= QStyle::State_MouseOver;
     // Painted over the narrowed section's right border as well, leaving one border per section.
     painter->save();
-    painter->setClipRect(QRect(QPoint(labelRect.right() - 1, rect.top()), rect.bottomRight()),
-                         Qt::IntersectClip);
+    painter->setClipRect(QRect(QPoint(labelRect.right() - 1, rect.top()), rect.bottomRight()), Qt::IntersectClip);
     style()->drawControl(QStyle::CE_HeaderSection, &face, painter, this);
     painter->restore();
 

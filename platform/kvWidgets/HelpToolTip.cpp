@@ -16,9 +16,8 @@ namespace {
 bool isActivation(const QKeyEvent* event)
 {
     const int key = event->key();
-    return (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter
-               || key == Qt::Key_Select)
-        && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    return (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Select)
+           && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
 }
 
 QString plainText(const QString& text)
@@ -36,9 +35,7 @@ constexpr int FocusMargin = 2;
 } // namespace
 
 HelpToolTip::HelpToolTip(const QPixmap& icon, const QString& text, QWidget* parent)
-    : QWidget(parent)
-    , m_icon(icon)
-    , m_text(text)
+    : QWidget(parent), m_icon(icon), m_text(text)
 {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -71,9 +68,7 @@ void HelpToolTip::paintEvent(QPaintEvent* /*event*/)
     QPainter painter(this);
     QStyleOption option;
     option.initFrom(this);
-    const QPixmap pixmap = isEnabled()
-        ? m_icon
-        : style()->generatedIconPixmap(QIcon::Disabled, m_icon, &option);
+    const QPixmap pixmap = isEnabled() ? m_icon : style()->generatedIconPixmap(QIcon::Disabled, m_icon, &option);
     style()->drawItemPixmap(&painter, rect(), Qt::AlignCenter, pixmap);
 
     if (hasFocus()) {

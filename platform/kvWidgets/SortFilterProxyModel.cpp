@@ -2,8 +2,7 @@
 
 namespace kvWidgets {
 
-SortFilterProxyModel::SortFilterProxyModel(QObject* parent)
-    : QSortFilterProxyModel(parent)
+SortFilterProxyModel::SortFilterProxyModel(QObject* parent) : QSortFilterProxyModel(parent)
 {
 }
 

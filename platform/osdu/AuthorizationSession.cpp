@@ -77,7 +77,8 @@ void AuthorizationSession::startInBrowser()
     const int port = m_params.callbackPort;
     if (port < 0 || port > 65535 || !m_server.listen(QHostAddress::LocalHost, static_cast<quint16>(port))) {
         const QString why = port < 0 || port > 65535 ? QStringLiteral("not a port number") : m_server.errorString();
-        finish({QStringLiteral("Unable to listen for the sign-in answer on port %1: %2").arg(port).arg(why), {},
+        finish({QStringLiteral("Unable to listen for the sign-in answer on port %1: %2").arg(port).arg(why),
+                {},
                 QUrl(QString::fromStdString(m_params.callbackUrl))});
         return;
     }
@@ -114,8 +115,8 @@ void AuthorizationSession::startInBrowser()
     connect(&m_server, &QTcpServer::newConnection, this, &AuthorizationSession::acceptConnections);
     m_browserWait.setSingleShot(true);
     connect(&m_browserWait, &QTimer::timeout, this, [this] {
-        finish({QStringLiteral("Sign-in timed out: no answer came back from the browser"), {},
-                authorizationEndpoint()});
+        finish(
+            {QStringLiteral("Sign-in timed out: no answer came back from the browser"), {}, authorizationEndpoint()});
     });
     m_browserWait.start(OsduAuthProvider::BrowserWaitLimitMs);
     emit m_provider.info(QStringLiteral("Waiting for the sign-in in the web browser"));
@@ -164,7 +165,8 @@ void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& 
             fields.insert(name, equals < 0 ? QByteArray() : decoded(pair.mid(equals + 1)));
     }
     if (fields.value("state") != m_state) {
-        finish({QStringLiteral("Sign-in was refused: the answer did not come from this sign-in (state mismatch)"), {},
+        finish({QStringLiteral("Sign-in was refused: the answer did not come from this sign-in (state mismatch)"),
+                {},
                 authorizationEndpoint()});
         return;
     }
@@ -197,7 +199,8 @@ void AuthorizationSession::exchange(TokenRequest request)
     // The GUI thread must not wait on the network; the answer comes back to this thread.
     m_exchange.reset(QThread::create([this, request = std::move(request)] {
         const TokenGrant grant = requestTokens(request);
-        QMetaObject::invokeMethod(this, [this, grant] { exchanged(grant); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, grant] { exchanged(grant); }, Qt::QueuedConnection);
     }));
     m_exchange->start();
 }

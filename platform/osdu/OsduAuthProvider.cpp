@@ -108,8 +108,8 @@ std::string OsduAuthProvider::accessToken()
     if (state.refreshToken.empty())
         throw std::runtime_error("Not signed in to the OSDU platform");
 
-    const TokenGrant grant =
-        requestTokens(AuthorizationSession::refreshRequest(*this, state.refreshToken, state.timeoutMs));
+    const TokenGrant grant = requestTokens(
+        AuthorizationSession::refreshRequest(*this, state.refreshToken, state.timeoutMs));
     if (!grant.ok) {
         if (grant.refused)
             state.forget();

@@ -10,11 +10,11 @@ struct OsduAuthProviderInitParams
 {
     std::string clientId;
     std::string clientSecret;
-    std::string oauthUrl;       // the authorization endpoint
-    std::string oauthTokenUrl;  // the token endpoint
+    std::string oauthUrl;      // the authorization endpoint
+    std::string oauthTokenUrl; // the token endpoint
     std::string scope;
-    std::string refreshToken;   // when set, sign-in uses it and no browser
-    std::string callbackUrl;    // an http URL on the loopback host, without a port
+    std::string refreshToken; // when set, sign-in uses it and no browser
+    std::string callbackUrl;  // an http URL on the loopback host, without a port
     int callbackPort = 80;
     std::string resource;
 };

@@ -14,7 +14,7 @@ class OsduHttpClient;
 struct SearchQuery
 {
     std::string kind;
-    int limit = 10;   // 1..1000
+    int limit = 10; // 1..1000
     int offset = 0;
     std::string query;
 };

@@ -6,8 +6,7 @@
 
 namespace osdu {
 
-std::string getSettingValue(const std::string& group, const std::string& key,
-                            const std::string& defaultValue)
+std::string getSettingValue(const std::string& group, const std::string& key, const std::string& defaultValue)
 {
     const QSettings settings;
     const QVariant value = settings.value(QString::fromStdString(group + '/' + key));

@@ -41,8 +41,8 @@ public:
 private:
     void fetchOne(const std::string& partition, const std::string& id, StorageRecordCollection& records)
     {
-        const std::string path =
-            "/api/storage/v2/records/" + QUrl::toPercentEncoding(QString::fromStdString(id)).toStdString();
+        const std::string path = "/api/storage/v2/records/"
+                                 + QUrl::toPercentEncoding(QString::fromStdString(id)).toStdString();
         const CurlResponse response = m_client->get(path, partition);
         if (response.statusCode == 404)
             return;

@@ -10,8 +10,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
-#include <QMessageBox>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -49,8 +49,8 @@ void answerNextFileDialog(const QString& path)
     QObject::connect(poll, &QTimer::timeout, poll, [poll, path, seen] {
         QFileDialog* open = nullptr;
         for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()
-                && qobject_cast<QFileDialog*>(box->parentWidget())) {
+            if (auto* box = qobject_cast<QMessageBox*>(widget);
+                box && box->isVisible() && qobject_cast<QFileDialog*>(box->parentWidget())) {
                 box->close();
                 return;
             }

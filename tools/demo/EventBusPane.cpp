@@ -68,7 +68,8 @@ EventBusPane::EventBusPane(QWidget* parent)
     // Listeners run on the sender's thread (the connection worker sends from its own), so the
     // text crosses to the GUI thread queued; the sender never waits for the pane.
     m_listenerId = MDEventBus::addListener([this](int kind, const QString& text) {
-        QMetaObject::invokeMethod(this, [this, kind, text] { append(kind, text); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, kind, text] { append(kind, text); }, Qt::QueuedConnection);
     });
 }
 
@@ -88,8 +89,8 @@ void EventBusPane::append(int kind, const QString& text)
     // Follow new messages only while the reader is at the bottom, not while they scroll back.
     const bool following = scroll->value() == scroll->maximum();
 
-    auto* item
-        = new QTreeWidgetItem({QTime::currentTime().toString("HH:mm:ss.zzz"), kindName(kind), text.simplified()});
+    auto* item = new QTreeWidgetItem(
+        {QTime::currentTime().toString("HH:mm:ss.zzz"), kindName(kind), text.simplified()});
     item->setData(KindColumn, Qt::UserRole, kind);
     item->setToolTip(MessageColumn, text);
     switch (kind) {

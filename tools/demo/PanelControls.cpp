@@ -1,8 +1,8 @@
 #include "PanelControls.h"
 
 #include <fast/client/VirtualDrive.h>
-#include <fast/panel/FastTabWidget.h>
 #include <fast/osdu/SearchInput.h>
+#include <fast/panel/FastTabWidget.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/OsduWidget.h>
 #include <fast/panel/VdsWidget.h>
@@ -161,7 +161,8 @@ void openRowWholly(fast::FastTreeView* view, int row)
         for (int child = 0; child < rows->rowCount(parent); ++child) {
             const QModelIndex index = rows->index(child, 0, parent);
             const int start = view->visualRect(index).left() + view->header()->offset();
-            wanted = std::max(wanted, start + view->fontMetrics().horizontalAdvance(index.data().toString()) + kTextMargin);
+            wanted = std::max(wanted,
+                              start + view->fontMetrics().horizontalAdvance(index.data().toString()) + kTextMargin);
             measure(index);
         }
     };
@@ -193,7 +194,7 @@ QString freeFileName(const QString& wanted, const QString& projectFolder)
 {
     const auto taken = [&projectFolder](const QString& name) {
         return QDir(projectFolder).exists(name) || QDir(fast::mountPoint()).exists(name)
-            || fast::fileExistsInVirtualDrive(name);
+               || fast::fileExistsInVirtualDrive(name);
     };
     QString name = wanted;
     for (int suffix = 2; taken(name); ++suffix)

@@ -21,7 +21,7 @@ namespace {
 bool haveDisplay()
 {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
-        || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+           || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
 int usageError(const QCommandLineParser& parser, const QString& message)
@@ -57,8 +57,9 @@ int main(int argc, char** argv)
         "Like --screenshot, then unmount the volume again, sign in to OSDU (when its settings are there), search "
         "and mount a dataset; numbered pictures of every step go to DIR.",
         "DIR");
-    const QCommandLineOption mountOption(
-        "mount", "The .vds file that --screenshot and --tour mount. Default: a made-up one.", "PATH");
+    const QCommandLineOption mountOption("mount",
+                                         "The .vds file that --screenshot and --tour mount. Default: a made-up one.",
+                                         "PATH");
     parser.addOptions({projectOption, screenshotOption, tourOption, mountOption});
     if (!parser.parse(QCoreApplication::arguments()))
         return usageError(parser, parser.errorText());

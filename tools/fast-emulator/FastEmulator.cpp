@@ -28,9 +28,8 @@ public:
         const Answer answer = m_emulator.answer(request.getMethod(), request.getURI(), body);
         const Reply& reply = answer.reply;
         response.setStatusAndReason(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(reply.status));
-        response.setContentType(!reply.body.empty() && (reply.body[0] == '{' || reply.body[0] == '[')
-                                    ? "application/json"
-                                    : "text/plain");
+        response.setContentType(
+            !reply.body.empty() && (reply.body[0] == '{' || reply.body[0] == '[') ? "application/json" : "text/plain");
         sendBody(request, response, reply.body, answer.delivery);
     }
 
@@ -84,8 +83,7 @@ std::string pathOf(const std::string& target)
 } // namespace
 
 FastEmulator::FastEmulator(EmulatorOptions options)
-    : m_options(std::move(options)),
-      m_linkTimer(std::make_unique<Poco::Util::Timer>()),
+    : m_options(std::move(options)), m_linkTimer(std::make_unique<Poco::Util::Timer>()),
       m_service({m_options.driveDir, m_options.version, m_options.pluginInstalled, m_options.stateFile},
                 [this](const std::string& linkFile, const std::string& driveFile) {
                     scheduleLink(linkFile, driveFile);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "LoopbackHttpServer.h"
 #include "FastService.h"
+#include "LoopbackHttpServer.h"
 
 #include <memory>
 #include <mutex>

@@ -72,8 +72,8 @@ Poco::JSON::Object::Ptr pluginDescription(const VolumeExtent& extent)
     }
     return object({{"name", kPluginName},
                    {"type", std::string("object")},
-                   {"properties", object({{"subvolume", object({{"type", std::string("object")},
-                                                                {"properties", dimensions}})}})}});
+                   {"properties",
+                    object({{"subvolume", object({{"type", std::string("object")}, {"properties", dimensions}})}})}});
 }
 
 // Throws std::invalid_argument with the reason when the mount body is not what FAST takes.

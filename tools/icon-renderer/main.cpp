@@ -53,8 +53,7 @@ int main(int argc, char* argv[])
         return fail(QStringLiteral("cannot create the folder of '%1'").arg(output));
     // A half-written PNG must never look up to date to the build, so write it aside and rename.
     QSaveFile file(output);
-    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG")
-        || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit())
         return fail(QStringLiteral("cannot write '%1'").arg(output));
     return 0;
 }

@@ -15,8 +15,8 @@
 
 namespace emulator {
 
-void sendBody(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
-              const std::string& body, Delivery delivery)
+void sendBody(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response, const std::string& body,
+              Delivery delivery)
 {
     Poco::Net::StreamSocket& socket = static_cast<Poco::Net::HTTPServerRequestImpl&>(request).socket();
     switch (delivery) {
@@ -42,7 +42,9 @@ void sendBody(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerRespon
     }
 }
 
-LoopbackHttpServer::LoopbackHttpServer(unsigned short port) : m_port(port) {}
+LoopbackHttpServer::LoopbackHttpServer(unsigned short port) : m_port(port)
+{
+}
 
 LoopbackHttpServer::~LoopbackHttpServer()
 {

@@ -20,8 +20,7 @@ namespace emulator {
 
 // How an answer leaves the server: whole, or broken on the wire the ways a failing service
 // breaks a connection.
-enum class Delivery
-{
+enum class Delivery {
     Whole,
     // Content-Length announces the whole body, half of it goes out, then the connection closes.
     TruncatedBody,
@@ -31,8 +30,8 @@ enum class Delivery
 
 // Sends body on response, whose status and headers the caller has set, as delivery has it.
 // The request body must have been read, or closing the socket would reset it instead.
-void sendBody(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
-              const std::string& body, Delivery delivery);
+void sendBody(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response, const std::string& body,
+              Delivery delivery);
 
 // The HTTP server under each emulator: on 127.0.0.1 only, keep-alive, its own handler threads,
 // which stop() joins so that no handler outlives the emulator it calls into.

@@ -249,7 +249,8 @@ OsduReply AuthorizationServer::exchangeCode(const Form& form, const std::string&
     const auto found = m_codes.find(code);
     if (found == m_codes.end())
         return oauthError(400, "invalid_grant",
-                          m_usedCodes.count(code) ? "The authorization code was used already" : "Unknown authorization code");
+                          m_usedCodes.count(code) ? "The authorization code was used already"
+                                                  : "Unknown authorization code");
     // A code is spent by its first exchange, whether that succeeds or not.
     const PendingCode pending = found->second;
     m_codes.erase(found);

@@ -6,8 +6,8 @@
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerRequestImpl.h>
-#include <Poco/Net/StreamSocket.h>
 #include <Poco/Net/HTTPServerResponse.h>
+#include <Poco/Net/StreamSocket.h>
 #include <Poco/StreamCopier.h>
 #include <Poco/String.h>
 #include <Poco/URI.h>
@@ -130,8 +130,7 @@ OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
       m_authorization({m_options.clientId, m_options.clientSecret, std::chrono::seconds(m_options.accessTokenSeconds),
                        std::chrono::seconds(m_options.refreshTokenSeconds), m_options.announceRefreshTokenLifetime,
                        m_options.issuedPrefix}),
-      m_records(m_options.partition),
-      m_http(m_options.port)
+      m_records(m_options.partition), m_http(m_options.port)
 {
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "LoopbackHttpServer.h"
 #include "AuthorizationServer.h"
+#include "LoopbackHttpServer.h"
 #include "OsduReply.h"
 #include "RecordStore.h"
 

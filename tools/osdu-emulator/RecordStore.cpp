@@ -102,7 +102,8 @@ int integerMember(const Poco::JSON::Object::Ptr& object, const std::string& key,
     const Poco::Dynamic::Var value = object->get(key);
     const Poco::Int64 number = value.isInteger() ? value.convert<Poco::Int64>() : Poco::Int64(min) - 1;
     if (number < min || number > max)
-        throw std::invalid_argument(key + " must be an integer from " + std::to_string(min) + " to " + std::to_string(max));
+        throw std::invalid_argument(key + " must be an integer from " + std::to_string(min) + " to "
+                                    + std::to_string(max));
     return static_cast<int>(number);
 }
 
@@ -262,8 +263,8 @@ OsduReply RecordStore::queryRecords(const std::string& body) const
     }
     // The records are kept as text already; splicing them in spares parsing each one again.
     return {200,
-            "{\"records\":[" + records + "],\"invalidRecords\":" + stringify(invalid) + ",\"retryRecords\":"
-                + stringify(retry) + "}",
+            "{\"records\":[" + records + "],\"invalidRecords\":" + stringify(invalid)
+                + ",\"retryRecords\":" + stringify(retry) + "}",
             "application/json",
             {}};
 }

@@ -63,7 +63,8 @@ QWidget* kitRow(QWidget* parent)
     auto* row = new QWidget(parent);
     auto* layout = new QGridLayout(row);
     layout->addWidget(new QLabel("Help tool tip", row), 0, 0);
-    layout->addWidget(new kvWidgets::HelpToolTip(*iconHandler->getPixmap("help24"), "<b>Help</b> in rich text", row), 0, 1);
+    layout->addWidget(new kvWidgets::HelpToolTip(*iconHandler->getPixmap("help24"), "<b>Help</b> in rich text", row), 0,
+                      1);
     layout->addWidget(new QLabel("Double slider", row), 1, 0);
     auto* slider = new kvWidgets::DoubleSlider(row);
     slider->setMaximum(1000);
@@ -91,8 +92,12 @@ int main(int argc, char** argv)
     grid->addWidget(captioned("Widget kit", kitRow(&window), &window), 0, 0, 1, 2);
     // The OSDU trees go above the VDS trees, so that the pop-up opens downwards on the small
     // offscreen screen.
-    grid->addWidget(captioned("VDS tree, connected", makeTree<fast::VdsTreeView, fast::VdsTreeDelegate>(true, &window), &window), 2, 0);
-    grid->addWidget(captioned("VDS tree, disconnected", makeTree<fast::VdsTreeView, fast::VdsTreeDelegate>(false, &window), &window), 2, 1);
+    grid->addWidget(captioned("VDS tree, connected", makeTree<fast::VdsTreeView, fast::VdsTreeDelegate>(true, &window),
+                              &window),
+                    2, 0);
+    grid->addWidget(captioned("VDS tree, disconnected",
+                              makeTree<fast::VdsTreeView, fast::VdsTreeDelegate>(false, &window), &window),
+                    2, 1);
     auto* osdu = makeTree<fast::OsduTreeView, fast::OsduTreeDelegate>(true, &window);
     grid->addWidget(captioned("OSDU tree, one icon hovered, filter open", osdu, &window), 1, 0);
     auto* filtered = makeTree<fast::OsduTreeView, fast::OsduTreeDelegate>(true, &window);
