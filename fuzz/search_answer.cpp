@@ -1,6 +1,6 @@
 // The HTTP status on the first line, then the body of a Search v2 answer.
 
-#include "FuzzInput.h"
+#include "AnswerInput.h"
 
 #include <osdu/SearchAnswer.h>
 
@@ -8,12 +8,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const auto [status, body] = fuzz::firstLine(fuzz::text(data, size));
-    osdu::CurlResponse response;
-    response.statusCode = fuzz::statusCode(status);
-    response.text = body;
-    if (response.statusCode == 0)
-        response.error = "Couldn't connect to server";
+    const osdu::CurlResponse response = fuzz::answer(data, size);
     try {
         osdu::readSearchAnswer(response);
     } catch (const std::runtime_error&) {

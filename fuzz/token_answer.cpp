@@ -1,6 +1,6 @@
 // The HTTP status on the first line, then the body of a token endpoint's answer.
 
-#include "FuzzInput.h"
+#include "AnswerInput.h"
 
 #include <osdu/TokenAnswer.h>
 
@@ -8,12 +8,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const auto [status, body] = fuzz::firstLine(fuzz::text(data, size));
-    osdu::CurlResponse response;
-    response.statusCode = fuzz::statusCode(status);
-    response.text = body;
-    if (response.statusCode == 0)
-        response.error = "Couldn't connect to server";
+    const osdu::CurlResponse response = fuzz::answer(data, size);
     const osdu::TokenGrant grant = osdu::readTokenAnswer(response);
     // What the sign-in relies on: a granted token with its expiry, or a reason to show.
     if (grant.ok ? grant.accessToken.empty() || !grant.accessExpiry.isValid() : grant.message.isEmpty())
