@@ -227,6 +227,7 @@ void FastClientTest::oneClientServesSeveralThreadsAtOnce()
     const auto client = fixture.client();
     std::atomic<int> answered{0};
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&] {
             for (int i = 0; i < 25; ++i)
