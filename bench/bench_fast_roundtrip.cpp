@@ -1,5 +1,6 @@
 // Fast::getVdsList against the emulator, against a bare libcurl GET of the same URL.
 
+#include "BenchSettings.h"
 #include "RatioReporter.h"
 
 #include <FastEmulator.h>
@@ -89,9 +90,7 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     QTemporaryDir settings;
-    QCoreApplication::setOrganizationName("FastPanelBench");
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
+    useScratchSettings(settings.path());
     curl_global_init(CURL_GLOBAL_DEFAULT);
     return runWithRatios(argc, argv, {{"Fast::getVdsList / bare libcurl GET", "fastGetVdsList", "bareCurlGet", 1.2}});
 }

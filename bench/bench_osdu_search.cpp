@@ -1,6 +1,7 @@
 // A file-collection search with 1,000 hits against the OSDU emulator, against the floor: the
 // same query and 1,000 record GETs over one kept-alive connection with bare libcurl.
 
+#include "BenchSettings.h"
 #include "RatioReporter.h"
 
 #include <OsduEmulator.h>
@@ -150,9 +151,7 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     QTemporaryDir settings;
-    QCoreApplication::setOrganizationName("FastPanelBench");
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
+    useScratchSettings(settings.path());
     curl_global_init(CURL_GLOBAL_DEFAULT);
     return runWithRatios(argc, argv,
                          {{"file-collection search / bare libcurl floor, 1,000 hits", "fileCollectionSearch",

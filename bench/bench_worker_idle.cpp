@@ -2,6 +2,7 @@
 // poll, and for one minute (--seconds N to change it) the process does nothing else. FAST runs
 // as its own process, so that only the worker's side is counted.
 
+#include "BenchSettings.h"
 #include "BenchSummary.h"
 
 #include <fast/client/Fast.h>
@@ -85,9 +86,7 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     const int seconds = secondsFromArguments(QCoreApplication::arguments());
     QTemporaryDir folder;
-    QCoreApplication::setOrganizationName(QStringLiteral("FastPanelBench"));
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
+    useScratchSettings(folder.path());
     curl_global_init(CURL_GLOBAL_DEFAULT);
 
     QProcess emulator;
