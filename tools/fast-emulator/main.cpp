@@ -3,6 +3,8 @@
 
 #include "FastEmulator.h"
 
+#include <CommandLine.h>
+
 #include <Poco/Exception.h>
 
 #include <csignal>
@@ -32,21 +34,6 @@ const char* const kUsage =
     "                     after the delay, as a killed service) or body=TEXT (last: the rest is TEXT)\n"
     "  --help             this text\n";
 
-[[noreturn]] void usageError(const std::string& message)
-{
-    std::cerr << "fast-emulator: " << message << "\n\n" << kUsage;
-    std::exit(2);
-}
-
-long number(const std::string& option, const std::string& text, long max)
-{
-    char* end = nullptr;
-    const long value = std::strtol(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || value < 0 || value > max)
-        usageError(option + " takes a whole number from 0 to " + std::to_string(max) + ", not \"" + text + "\"");
-    return value;
-}
-
 struct RouteFault
 {
     std::string method;
@@ -54,9 +41,9 @@ struct RouteFault
     emulator::Fault fault;
 };
 
-RouteFault routeFault(const std::string& option)
+RouteFault routeFault(const emulator::CommandLine& line, const std::string& option)
 {
-    const auto bad = [&option](const std::string& why) { usageError("--fault " + option + ": " + why); };
+    const auto bad = [&](const std::string& why) { line.fail("--fault " + option + ": " + why); };
     const std::size_t methodEnd = option.find(':');
     const std::size_t pathEnd = methodEnd == std::string::npos ? methodEnd : option.find(':', methodEnd + 1);
     if (pathEnd == std::string::npos)
@@ -74,9 +61,9 @@ RouteFault routeFault(const std::string& option)
         const std::string what = rest.substr(0, end);
         rest = end == std::string::npos ? std::string() : rest.substr(end + 1);
         if (what.compare(0, 7, "status=") == 0)
-            result.fault.status = static_cast<int>(number("--fault status", what.substr(7), 999));
+            result.fault.status = static_cast<int>(line.number("--fault status", what.substr(7), 0, 999));
         else if (what.compare(0, 9, "delay-ms=") == 0)
-            result.fault.delayMs = static_cast<int>(number("--fault delay-ms", what.substr(9), 600000));
+            result.fault.delayMs = static_cast<int>(line.number("--fault delay-ms", what.substr(9), 0, 600000));
         else if (what == "truncate")
             result.fault.delivery = emulator::Delivery::TruncatedBody;
         else if (what == "reset")
@@ -91,41 +78,34 @@ RouteFault routeFault(const std::string& option)
 
 emulator::EmulatorOptions parse(int argc, char** argv, std::vector<RouteFault>& faults)
 {
+    emulator::CommandLine line(argc, argv, "fast-emulator", kUsage);
     emulator::EmulatorOptions options;
     bool havePort = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string option = argv[i];
-        const auto value = [&]() -> std::string {
-            if (i + 1 >= argc)
-                usageError(option + " needs a value");
-            return argv[++i];
-        };
-        if (option == "--help" || option == "-h") {
-            std::cout << kUsage;
-            std::exit(0);
-        } else if (option == "--port") {
-            options.port = static_cast<unsigned short>(number(option, value(), 65535));
+    while (line.next()) {
+        const std::string& option = line.option();
+        if (option == "--port") {
+            options.port = static_cast<unsigned short>(line.number(0, 65535));
             havePort = true;
         } else if (option == "--drive") {
-            options.driveDir = value();
+            options.driveDir = line.value();
         } else if (option == "--version") {
-            options.version = value();
+            options.version = line.value();
         } else if (option == "--no-plugin") {
             options.pluginInstalled = false;
         } else if (option == "--link-delay-ms") {
-            options.linkDelayMs = static_cast<int>(number(option, value(), 600000));
+            options.linkDelayMs = static_cast<int>(line.number(0, 600000));
         } else if (option == "--state") {
-            options.stateFile = value();
+            options.stateFile = line.value();
         } else if (option == "--fault") {
-            faults.push_back(routeFault(value()));
+            faults.push_back(routeFault(line, line.value()));
         } else {
-            usageError("unknown option " + option);
+            line.fail("unknown option " + option);
         }
     }
     if (!havePort)
-        usageError("--port is required");
+        line.fail("--port is required");
     if (options.driveDir.empty())
-        usageError("--drive is required");
+        line.fail("--drive is required");
     return options;
 }
 

@@ -3,6 +3,8 @@
 
 #include "OsduEmulator.h"
 
+#include <CommandLine.h>
+
 #include <Poco/Exception.h>
 
 #include <csignal>
@@ -29,22 +31,6 @@ const char* const kUsage =
     "                         (default s3://fast-demo-bucket/volumes/)\n"
     "  --help                 this text\n";
 
-[[noreturn]] void usageError(const std::string& message)
-{
-    std::cerr << "osdu-emulator: " << message << "\n\n" << kUsage;
-    std::exit(2);
-}
-
-long number(const std::string& option, const std::string& text, long min, long max)
-{
-    char* end = nullptr;
-    const long value = std::strtol(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || value < min || value > max)
-        usageError(option + " takes a whole number from " + std::to_string(min) + " to " + std::to_string(max)
-                   + ", not \"" + text + "\"");
-    return value;
-}
-
 struct Arguments
 {
     emulator::OsduEmulatorOptions options;
@@ -54,40 +40,33 @@ struct Arguments
 
 Arguments parse(int argc, char** argv)
 {
+    emulator::CommandLine line(argc, argv, "osdu-emulator", kUsage);
     Arguments arguments;
     emulator::OsduEmulatorOptions& options = arguments.options;
-    for (int i = 1; i < argc; ++i) {
-        const std::string option = argv[i];
-        const auto value = [&]() -> std::string {
-            if (i + 1 >= argc)
-                usageError(option + " needs a value");
-            return argv[++i];
-        };
-        if (option == "--help" || option == "-h") {
-            std::cout << kUsage;
-            std::exit(0);
-        } else if (option == "--port") {
-            options.port = static_cast<unsigned short>(number(option, value(), 0, 65535));
+    while (line.next()) {
+        const std::string& option = line.option();
+        if (option == "--port") {
+            options.port = static_cast<unsigned short>(line.number(0, 65535));
         } else if (option == "--datasets") {
-            arguments.datasets = static_cast<int>(number(option, value(), 0, 9999));
+            arguments.datasets = static_cast<int>(line.number(0, 9999));
         } else if (option == "--partition") {
-            options.partition = value();
+            options.partition = line.value();
         } else if (option == "--client-id") {
-            options.clientId = value();
+            options.clientId = line.value();
         } else if (option == "--client-secret") {
-            options.clientSecret = value();
+            options.clientSecret = line.value();
         } else if (option == "--access-ttl") {
-            options.accessTokenSeconds = static_cast<int>(number(option, value(), 1, 100000000));
+            options.accessTokenSeconds = static_cast<int>(line.number(1, 100000000));
         } else if (option == "--refresh-ttl") {
-            options.refreshTokenSeconds = static_cast<int>(number(option, value(), 1, 100000000));
+            options.refreshTokenSeconds = static_cast<int>(line.number(1, 100000000));
         } else if (option == "--seed-prefix") {
-            arguments.seedPrefix = value();
+            arguments.seedPrefix = line.value();
         } else {
-            usageError("unknown option " + option);
+            line.fail("unknown option " + option);
         }
     }
     if (options.partition.empty() || options.clientId.empty())
-        usageError("--partition and --client-id must not be empty");
+        line.fail("--partition and --client-id must not be empty");
     return arguments;
 }
 
