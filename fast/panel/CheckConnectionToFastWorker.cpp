@@ -1,6 +1,7 @@
 #include <fast/panel/CheckConnectionToFastWorker.h>
 
 #include <fast/client/Fast.h>
+#include <fast/panel/PanelMessages.h>
 
 #include <QThread>
 
@@ -22,12 +23,27 @@ void CheckConnectionToFastWorker::run()
             Q_EMIT heartBeat();
             return;
         }
+        poll();
+        QThread::msleep(PollIntervalMs);
+    }
+}
+
+void CheckConnectionToFastWorker::poll()
+{
+    // An exception leaving run() would end the host's process: a service that answers what it
+    // should not is a service that is not available, for this poll.
+    try {
         const std::optional<std::string> version = m_fast->getVersion();
         // Asked every time, also when the service did not answer: both requests, in this order.
         const bool pluginAvailable = m_fast->isKorvanePluginAvailable();
         Q_EMIT workFinished(version.has_value(), pluginAvailable,
                             QString::fromStdString(version.value_or(std::string())));
-        QThread::msleep(PollIntervalMs);
+    } catch (const std::exception& failure) {
+        trace(exceptionText(failure));
+        Q_EMIT workFinished(false, false, QString());
+    } catch (...) {
+        trace(QString("Unknown exception while checking the connection to Bluware FAST™"));
+        Q_EMIT workFinished(false, false, QString());
     }
 }
 

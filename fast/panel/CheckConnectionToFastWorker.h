@@ -33,6 +33,9 @@ Q_SIGNALS:
     void heartBeat();
 
 private:
+    // One poll's requests and its workFinished; whatever it throws ends as "not available".
+    void poll();
+
     std::shared_ptr<Fast> m_fast;
 };
 
