@@ -21,6 +21,7 @@
 #include <osdu/HttpResponse.h>
 #include <osdu/OsduAuthProvider.h>
 
+#include <QApplication>
 #include <QCryptographicHash>
 #include <QPushButton>
 #include <QSettings>
@@ -44,6 +45,10 @@ private Q_SLOTS:
     void aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits();
     void aSignInFailureWithoutDetailsShowsTheMessageAlone();
     void searchFiltersByNameDescriptionAndId();
+    void returnRunsWhatTheSearchButtonRuns();
+    void aFastListingItCannotReadLeavesTheResultsUnregistered_data();
+    void aFastListingItCannotReadLeavesTheResultsUnregistered();
+    void closingThePageDuringASearchDropsItsResults();
     void onlyTheFirstThousandHitsAreExamined();
     void aFoundDatasetIsMountedThroughFast();
     void fastRefusingTheRegistrationStopsTheMount();
@@ -148,6 +153,72 @@ void OsduPageTest::searchFiltersByNameDescriptionAndId()
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0005"});
     searchFor("no such volume");
     QCOMPARE(resultLabel(*m_page), "No result");
+}
+
+void OsduPageTest::returnRunsWhatTheSearchButtonRuns()
+{
+    searchFor("volume 0003");
+    fast::SearchInput* box = searchInput(*m_page);
+    QTest::keyClick(box, Qt::Key_Return);
+    // Busy and closed to a second Return until the results are in.
+    QVERIFY(!box->isEnabled());
+    QVERIFY(!searchButton(*m_page)->isEnabled());
+    QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    QTRY_VERIFY_WITH_TIMEOUT(box->isEnabled(), 30000);
+    QCOMPARE(resultNames(*m_page), QStringList{"Volume 0003"});
+    QCOMPARE(resultLabel(*m_page), "1 result(s) found");
+    QVERIFY(!QApplication::overrideCursor());
+}
+
+void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered_data()
+{
+    QTest::addColumn<QString>("route");
+    QTest::addColumn<QString>("body");
+    // Not a syntax error: POCO refuses the shape with an exception of another kind.
+    QTest::newRow("volume listing an object") << "/api/v2/vds/" << R"({"oops":1})";
+    QTest::newRow("file listing not JSON") << "/api/v2/file/" << "<html>502</html>";
+}
+
+void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered()
+{
+    QFETCH(QString, route);
+    QFETCH(QString, body);
+    m_fast->emulator().setFault("GET", route.toStdString(), answering(body.toStdString()));
+    MessageBoxAnswerer boxes;
+    EventBusRecorder bus;
+    searchFor("volume 0002");
+    m_fast->emulator().clearFaults();
+
+    QCOMPARE(boxes.boxes().size(), 1);
+    QVERIFY2(boxes.summaries().first().startsWith("Unable to list VDS: Unable to parse JSON to get VDS list: "),
+             qPrintable(boxes.summaries().first()));
+    QVERIFY(bus.texts(Trace).contains("FAST OSDU onSearchDone JSONException 149"));
+    QCOMPARE(resultNames(*m_page), QStringList{"Volume 0002"});
+    QVERIFY(m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
+    QVERIFY(!QApplication::overrideCursor());
+    QVERIFY(searchButton(*m_page)->isEnabled());
+}
+
+void OsduPageTest::closingThePageDuringASearchDropsItsResults()
+{
+    auto* page = new fast::OsduWidget(m_fast->client(), m_fast->projectDir());
+    page->userAuthorized(); // signed in already: the process-wide session serves this page too
+    m_osdu->setDelay("/api/search/v2/query", 300);
+    const auto fetches = [this] {
+        int count = 0;
+        for (const auto& request : m_osdu->requests())
+            count += request.target.rfind("/api/storage/v2/records/", 0) == 0 ? 1 : 0;
+        return count;
+    };
+    m_osdu->clearRequests();
+    QTest::mouseClick(searchButton(*page), Qt::LeftButton);
+    delete page;
+    QVERIFY(!QApplication::overrideCursor());
+
+    // The search goes on without its page; its results must not reach it.
+    QTRY_COMPARE_WITH_TIMEOUT(fetches(), static_cast<int>(m_osdu->recordCount()), 30000);
+    QTest::qWait(300); // the last answer on its way back to the worker, and the worker's end
+    m_osdu->clearFaults();
 }
 
 void OsduPageTest::onlyTheFirstThousandHitsAreExamined()

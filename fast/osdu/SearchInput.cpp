@@ -3,6 +3,7 @@
 #include <fast/osdu/FileCollectionSearch.h>
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduSettingsKeys.h>
+#include <fast/panel/PanelMessages.h>
 
 #include <osdu/OsduAuthProvider.h>
 #include <osdu/OsduHttpClient.h>
@@ -31,7 +32,6 @@ void SearchInput::initialize()
     const std::string baseUrl = osdu::getSettingValue(provider->getProviderName(), OSDU_BASE_URL, "");
     m_httpClient = std::make_shared<osdu::OsduHttpClient>(baseUrl, provider, nullptr);
     m_search = createFileCollectionSearch(m_httpClient);
-    connect(this, &QLineEdit::returnPressed, this, &SearchInput::search, Qt::UniqueConnection);
 }
 
 void SearchInput::search()
@@ -40,13 +40,28 @@ void SearchInput::search()
     const std::shared_ptr<osdu::OsduAuthProvider> provider = initializer ? initializer->authProvider() : nullptr;
     if (!provider || !m_search) {
         // Not signed in: nothing to search, but whoever waits for the answer still gets one.
-        Q_EMIT searchDone(std::make_shared<osdu::StorageRecordCollection>());
+        m_resultsCallback(std::make_shared<osdu::StorageRecordCollection>());
         return;
     }
     // Read here, once: the box belongs to the GUI thread.
     const std::string filter = text().toStdString();
-    QThread* worker = QThread::create([search = m_search, provider, filter, callback = m_resultsCallback] {
-        search->performSearch(provider->getProviderName(), filter, callback);
+    // The worker only fills this; the box reads it once the thread has finished.
+    auto found = std::make_shared<std::shared_ptr<osdu::StorageRecordCollection>>();
+    QThread* worker = QThread::create([search = m_search, provider, filter, found] {
+        try {
+            search->performSearch(provider->getProviderName(), filter,
+                                  [found](std::shared_ptr<osdu::StorageRecordCollection> results) {
+                                      *found = std::move(results);
+                                  });
+        } catch (const std::exception& failure) {
+            // An exception leaving a thread ends the host's process.
+            trace(QString("Unable to search the OSDU platform: %1").arg(exceptionText(failure)));
+        }
+    });
+    // Delivered on this box's thread and only while the box lives: when the panel is closed
+    // during a search, the late results are dropped with the queued call.
+    connect(worker, &QThread::finished, this, [this, found] {
+        m_resultsCallback(*found ? *found : std::make_shared<osdu::StorageRecordCollection>());
     });
     connect(worker, &QThread::finished, worker, &QObject::deleteLater);
     worker->start(QThread::InheritPriority);

@@ -18,7 +18,8 @@ namespace fast {
 class FileCollectionSearch;
 
 // The filter box of the OSDU page. It runs each search on a thread of its own and hands the
-// matches back through searchDone, which crosses to the receiver's thread queued.
+// matches back through searchDone on its own thread, once the search has ended; a box deleted
+// in the meantime drops them.
 class FASTPANEL_EXPORT SearchInput : public QLineEdit
 {
     Q_OBJECT
@@ -27,8 +28,8 @@ public:
     explicit SearchInput(QWidget* parent = nullptr);
     ~SearchInput() override;
 
-    // After each sign-in: a client and a search for the signed-in provider. Return starts a
-    // search (once per Return, however often this runs).
+    // After each sign-in: a client and a search for the signed-in provider. What Return does is
+    // the page's to say: it runs the page's search, which also clears and disables.
     void initialize();
     void search();
 

@@ -87,6 +87,8 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     connectTreeView();
     connect(m_connectButton, &QPushButton::clicked, this, &OsduWidget::onConnect);
     connect(m_searchButton, &QPushButton::clicked, this, &OsduWidget::performSearch);
+    // Return does what the button does: one search at a time, over a cleared tree.
+    connect(m_searchInput, &QLineEdit::returnPressed, this, &OsduWidget::performSearch);
     connect(m_searchInput, &SearchInput::searchDone, this, &OsduWidget::onSearchDone);
     connect(m_osduTree, &FastTreeView::mountVds, this,
             [this, projectPath](const VdsModel& vdsModel) { onMountVds(projectPath, vdsModel); });
@@ -95,6 +97,9 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
 
 OsduWidget::~OsduWidget()
 {
+    // The search's late results are dropped with the search box; the cursor it set is not.
+    if (m_searching)
+        QApplication::restoreOverrideCursor();
     Q_EMIT sendActionToMdi(nullptr, nullptr, "UPDATE_WINDOW_MANAGER");
 }
 
@@ -151,6 +156,9 @@ void OsduWidget::enableSearch()
 
 void OsduWidget::performSearch()
 {
+    if (m_searching)
+        return;
+    m_searching = true;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     m_searchInput->setEnabled(false);
     m_searchButton->setEnabled(false);
@@ -164,7 +172,8 @@ std::vector<VdsInfo> OsduWidget::fastVolumes()
         const auto files = m_fast->getFileList();
         const auto volumes = m_fast->getVdsList();
         return parseVdsInfos(volumes->getMessage(), files->getMessage());
-    } catch (const Poco::JSON::JSONException& failure) {
+    } catch (const std::exception& failure) {
+        // A listing of the wrong shape is as unreadable as one that is not JSON at all.
         trace(QString("FAST OSDU onSearchDone JSONException %1").arg(149));
         const QString message = QString("Unable to parse JSON to get VDS list: %1").arg(exceptionText(failure));
         trace(message);
@@ -174,6 +183,22 @@ std::vector<VdsInfo> OsduWidget::fastVolumes()
 }
 
 void OsduWidget::onSearchDone(const std::shared_ptr<osdu::StorageRecordCollection>& results)
+{
+    try {
+        showResults(results);
+    } catch (const std::exception& failure) {
+        trace(QString("FAST OSDU onSearchDone exception: %1").arg(exceptionText(failure)));
+    }
+    const int count = m_osduTree->model()->vdsCount();
+    m_resultLabel->setText(count > 0 ? QString("%1 result(s) found").arg(count) : QString("No result"));
+    if (m_searching)
+        QApplication::restoreOverrideCursor();
+    m_searching = false;
+    m_searchInput->setEnabled(true);
+    m_searchButton->setEnabled(true);
+}
+
+void OsduWidget::showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results)
 {
     const std::vector<VdsInfo> volumes = fastVolumes();
     FastTreeModel* model = m_osduTree->model();
@@ -193,11 +218,6 @@ void OsduWidget::onSearchDone(const std::shared_ptr<osdu::StorageRecordCollectio
         model->addVds(vds);
     }
     m_osduTree->refresh();
-    const int count = model->vdsCount();
-    m_resultLabel->setText(count > 0 ? QString("%1 result(s) found").arg(count) : QString("No result"));
-    QApplication::restoreOverrideCursor();
-    m_searchInput->setEnabled(true);
-    m_searchButton->setEnabled(true);
 }
 
 void OsduWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel)

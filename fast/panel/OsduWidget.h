@@ -45,6 +45,7 @@ private:
     void enableSearch();
     // The VDS FAST knows, empty (and reported) when the listing cannot be read.
     std::vector<VdsInfo> fastVolumes();
+    void showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results);
     void openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId);
 
     OsduTreeView* m_osduTree = nullptr;
@@ -55,6 +56,8 @@ private:
     QPushButton* m_connectButton = nullptr;
     std::shared_ptr<OsduFastInitializer> m_initializer;
     QString m_projectPath;
+    // From the search's start to its results: the wait cursor is ours to restore.
+    bool m_searching = false;
 };
 
 } // namespace fast
