@@ -49,9 +49,9 @@ QString axisState(const QDialog& dialog, int row)
 // The dialog of a registered volume, shown as the page shows it.
 struct MountSession
 {
-    explicit MountSession(FastEmulatorFixture& fixture)
+    explicit MountSession(FastEmulatorFixture& fixture, const fast::SubvolumeRange& range = kVolume)
         : vdsId(fixture.client()->registerVds("/data/a.vds")->getMessage()),
-          dialog(fixture.client(), vdsId, kVolume, fixture.projectDir()), finished(&dialog, &QDialog::finished),
+          dialog(fixture.client(), vdsId, range, fixture.projectDir()), finished(&dialog, &QDialog::finished),
           mounted(&dialog, &fast::MountNewVolume::vdsMounted)
     {
         fixture.emulator().clearRequests();
@@ -105,6 +105,9 @@ private Q_SLOTS:
         const QString whole = "0..1000000 [0,1000000] spins 0..1000000 [0,1000000]";
         QTest::newRow("no description values") << fast::SubvolumeRange{} << QStringList({whole, whole, whole});
         // Z keeps only the whole samples inside its bounds.
+        QTest::newRow("bounds beyond the usual range")
+            << fast::SubvolumeRange{"-5", "2000000", "", "", "", ""}
+            << QStringList({"-5..2000000 [-5,2000000] spins -5..2000000 [-5,2000000]", whole, whole});
         QTest::newRow("description values")
             << kVolume
             << QStringList({"10..1199 [10,1199] spins 10..1199 [10,1199]", "20..899 [20,899] spins 20..899 [20,899]",
@@ -118,6 +121,35 @@ private Q_SLOTS:
         FastEmulatorFixture fixture;
         fast::MountNewVolume dialog(fixture.client(), "1", range, fixture.projectDir());
         QCOMPARE(QStringList({axisState(dialog, 3), axisState(dialog, 6), axisState(dialog, 9)}), rows);
+    }
+
+    void typedBoundsAreTheBoundsMounted()
+    {
+        FastEmulatorFixture fixture;
+        MountSession session(fixture);
+        qobject_cast<QSpinBox*>(at(session.dialog, 4, 0))->setValue(150);
+        // Typed over the selected maximum: no keystroke may be taken for a bound of its own.
+        auto* upper = qobject_cast<QSpinBox*>(at(session.dialog, 4, 1));
+        upper->setFocus();
+        upper->selectAll();
+        QTest::keyClicks(upper, "1000");
+        session.save("cube");
+
+        QTRY_COMPARE(session.finished.count(), 1);
+        QCOMPARE(axisState(session.dialog, 3), "10..1199 [150,1000] spins 10..1199 [150,1000]");
+        const QString body = QString::fromStdString(fixture.emulator().requests().at(0).body);
+        QVERIFY2(body.contains(R"("dim2":{"max":1000,"min":150})"), qPrintable(body));
+    }
+
+    void enterInTheNameSaves()
+    {
+        FastEmulatorFixture fixture;
+        MountSession session(fixture);
+        QTest::keyClicks(session.dialog.findChild<QLineEdit*>(), "cube");
+        QTest::keyClick(session.dialog.findChild<QLineEdit*>(), Qt::Key_Return);
+        QTRY_COMPARE(session.finished.count(), 1);
+        QCOMPARE(session.finished.at(0).at(0).toInt(), 1);
+        QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
     }
 
     void nonNumericBoundThrows()

@@ -98,6 +98,10 @@ MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::str
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(m_cancelButton);
     buttons->addWidget(m_saveButton);
+    // Qt would make the first button the default, and Enter after typing a name would drop the
+    // mount (and a first mount's registration with it).
+    m_cancelButton->setAutoDefault(false);
+    m_saveButton->setDefault(true);
     grid->addLayout(buttons, 14, 1, Qt::AlignRight);
 
     connect(m_fileNameEdit, &QLineEdit::textEdited, this, &MountNewVolume::onFileNameEdited);
@@ -131,6 +135,9 @@ MountNewVolume::AxisRow MountNewVolume::addAxisRow(const QString& title, int fir
     for (QSpinBox* spin : {row.lower, row.upper}) {
         spin->setFixedHeight(20);
         spin->setRange(0, kWholeAxisMaximum);
+        // A number is taken once it is typed in full: a half-typed one would move the handle,
+        // be clamped by the other handle and come back into the box under the cursor.
+        spin->setKeyboardTracking(false);
     }
     row.lower->setValue(0);
     row.upper->setValue(kWholeAxisMaximum);
@@ -150,17 +157,18 @@ MountNewVolume::AxisRow MountNewVolume::addAxisRow(const QString& title, int fir
 
 void MountNewVolume::applyRange(const SubvolumeRange& range)
 {
+    // The boxes' ranges first: a box clamps a value outside its range as it takes it.
     const auto setMinimum = [](const AxisRow& row, int minimum) {
-        row.slider->setMinimum(minimum);
-        row.slider->setLowerValue(minimum);
         row.lower->setMinimum(minimum);
         row.upper->setMinimum(minimum);
+        row.slider->setMinimum(minimum);
+        row.slider->setLowerValue(minimum);
     };
     const auto setMaximum = [](const AxisRow& row, int maximum) {
-        row.slider->setMaximum(maximum);
-        row.slider->setUpperValue(maximum);
         row.lower->setMaximum(maximum);
         row.upper->setMaximum(maximum);
+        row.slider->setMaximum(maximum);
+        row.slider->setUpperValue(maximum);
     };
 
     if (!range.dim0Min.empty())
@@ -187,6 +195,11 @@ void MountNewVolume::onFileNameEdited()
 
 void MountNewVolume::onSave()
 {
+    // A number still being typed counts as typed: Save may come by Enter or without focus moving.
+    for (const AxisRow* row : {&m_inline, &m_crossline, &m_z}) {
+        row->lower->interpretText();
+        row->upper->interpretText();
+    }
     const QString name = m_fileNameEdit->text();
     if (name.isEmpty()) {
         m_fileNameLabel->setText(QStringLiteral("Filename"));
