@@ -72,6 +72,7 @@ private Q_SLOTS:
     void listingFailuresLeaveThePageEmpty();
     void failuresBeforeTheDialogLeaveNothingRegistered_data();
     void failuresBeforeTheDialogLeaveNothingRegistered();
+    void aFailedLookupTakesOutOnlyTheRecordItAdded();
 };
 
 void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered_data()
@@ -302,6 +303,26 @@ void FastAnswerFaultsTest::failuresBeforeTheDialogLeaveNothingRegistered()
     QVERIFY(fixture.emulator().service().volumes().empty());
     // Only a volume that has an id is unregistered; never the whole collection.
     QCOMPARE(sent.filter("DELETE").join(", "), vdsId.isEmpty() ? QString() : "DELETE /api/v2/vds/" + vdsId);
+}
+
+void FastAnswerFaultsTest::aFailedLookupTakesOutOnlyTheRecordItAdded()
+{
+    FastEmulatorFixture fixture;
+    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
+    MessageBoxAnswerer boxes;
+    // Refused by FAST: the record stays, without an id, for a later retry.
+    const QString refused = "https://store.example/survey/refused";
+    fixture.emulator().setFault("POST", "/api/v2/vds/", failing(500));
+    page.startMount(refused);
+    QTRY_COMPARE(boxes.summaries(), QStringList(kRegistrationBox));
+    fixture.emulator().clearFaults();
+
+    fixture.emulator().setFault("GET", "/api/v2/vds/", answering(kGarbage));
+    page.startMount(kUrl);
+    QTRY_COMPARE(boxes.boxes().size(), 2);
+    QCOMPARE(boxes.summaries().last(), kMountFailedBox);
+    QCOMPARE(page.model().vdsCount(), 1);
+    QCOMPARE(q(page.model().vdsAt(0)->url), refused);
 }
 
 QTEST_MAIN(FastAnswerFaultsTest)

@@ -52,6 +52,8 @@ private Q_SLOTS:
     void onlyTheFirstThousandHitsAreExamined();
     void aFoundDatasetIsMountedThroughFast();
     void fastRefusingTheRegistrationStopsTheMount();
+    void anUnmountedDatasetShowsAsUnregisteredAgain_data();
+    void anUnmountedDatasetShowsAsUnregisteredAgain();
 
 private:
     void searchFor(const QString& filter);
@@ -259,6 +261,54 @@ void OsduPageTest::fastRefusingTheRegistrationStopsTheMount()
     QVERIFY(bus.texts(Information).last().endsWith("already registered in Bluware FAST™."));
     QVERIFY(!openMountDialog(m_page.get()));
     m_fast->emulator().clearFaults();
+}
+
+void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain_data()
+{
+    QTest::addColumn<bool>("lastFile");
+    QTest::newRow("unmount icon") << false;
+    QTest::newRow("delete icon of its last file") << true;
+}
+
+void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain()
+{
+    QFETCH(bool, lastFile);
+    const auto client = m_fast->client();
+    const std::string url = fast::modifyVdsFilepath("s3://fast-demo-bucket/volumes/vol-0005/");
+    client->mountFile(client->registerVds(url)->getMessage(), "south", m_fast->projectDir().toStdString(), 0, 1, 0, 1,
+                      0, 1);
+    searchFor("volume 0005");
+    QCOMPARE(m_page->treeView()->model()->vdsAt(0)->files.size(), std::size_t(1));
+    QSignalSpy removed(m_page.get(), &fast::OsduWidget::removeVdsFileFromProject);
+
+    auto* view = m_page->treeView();
+    const QAbstractItemModel* rows = view->QTreeView::model();
+    if (lastFile) {
+        // A file row of this tree shows no delete icon; the request comes as the tree sends it.
+        fast::VdsFile file = view->model()->vdsAt(0)->files.front();
+        Q_EMIT view->deleteFile(view->model()->vdsAt(0)->vdsId, file);
+    } else {
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(rows->index(0, 3)).center());
+    }
+
+    const auto registered = [this, &url] {
+        const auto volumes = m_fast->emulator().service().volumes();
+        return std::any_of(volumes.begin(), volumes.end(), [&url](const auto& volume) { return volume.url == url; });
+    };
+    QTRY_COMPARE(removed.size(), 1);
+    QCOMPARE(removed.first().at(0).toString(), "south");
+    QVERIFY(!registered());
+    const fast::VdsModel shown = *view->model()->vdsAt(0);
+    QVERIFY(shown.vdsId.empty());
+    QVERIFY(shown.files.empty());
+    // Rebuilt: the "Files" row is empty, and the mount icon registers the dataset afresh.
+    QCOMPARE(rows->rowCount(rows->index(0, 0, rows->index(0, 0))), 0);
+    m_fast->emulator().clearRequests();
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(rows->index(0, 2)).center());
+    QTRY_VERIFY(openMountDialog(m_page.get()));
+    answerMountDialog(m_page.get(), "", "Cancel");
+    QCOMPARE(m_fast->requestLines().filter("POST /api/v2/vds/").size(), 1);
+    QTRY_VERIFY(!registered());
 }
 
 QTEST_MAIN(OsduPageTest)

@@ -44,7 +44,12 @@ void OsduTreeModel::populate()
 
 void OsduTreeModel::vdsUnmounted(const std::string& vdsId)
 {
-    rebuildWithout(vdsId);
+    const int index = indexOf(vdsId);
+    if (vdsId.empty() || index < 0)
+        return;
+    m_vdsList[index].vdsId.clear();
+    m_vdsList[index].files.clear();
+    populate();
 }
 
 } // namespace fast

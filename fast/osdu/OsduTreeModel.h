@@ -17,6 +17,7 @@ public:
     void clearRows() override;
     // Clears the rows first.
     void populate() override;
+    // The dataset stays among the results, as one that FAST does not know: no id, no files.
     void vdsUnmounted(const std::string& vdsId) override;
 };
 

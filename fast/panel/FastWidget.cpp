@@ -31,6 +31,10 @@ void FastWidget::connectTreeView()
 // NOLINTNEXTLINE(performance-unnecessary-value-param): by value, as the host's slot signature has it
 void FastWidget::onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList)
 {
+    // A volume FAST does not know has nothing to unmount; a DELETE without an id would name
+    // the whole collection.
+    if (vdsId.empty())
+        return;
     m_fast->unmountVds(vdsId, fileList);
     auto* model = qobject_cast<FastTreeModel*>(m_treeView->sourceModel());
     if (!model)

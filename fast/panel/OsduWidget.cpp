@@ -261,11 +261,8 @@ void OsduWidget::openMountDialog(const QString& projectPath, const VdsModel& vds
     // As on the VDS pages: a first mount that was cancelled leaves nothing registered behind,
     // and the dataset shows as unregistered again.
     connect(dialog, &QDialog::finished, this, [this, vdsModel, vdsId](int result) {
-        if (result != 0 || !vdsModel.files.empty())
-            return;
-        onUnmountVds(vdsId, {});
-        m_osduTree->model()->setVdsIdForUrl(vdsModel.url, {});
-        m_osduTree->refresh();
+        if (result == 0 && vdsModel.files.empty())
+            onUnmountVds(vdsId, {});
     });
     dialog->setModal(true);
     dialog->show();

@@ -145,7 +145,9 @@ void VdsWidget::onBrowseClicked(const QString& projectPath)
     const QString path = QFileDialog::getOpenFileName(this, "Select VDS file", "C:", "*.vds");
     if (path.isEmpty())
         return;
-    onMountVds(projectPath, recordFor(path.toStdString(), QFileInfo(path).fileName()));
+    bool recordAdded = false;
+    const VdsModel record = recordFor(path.toStdString(), QFileInfo(path).fileName(), recordAdded);
+    mount(projectPath, record, recordAdded);
 }
 
 void VdsWidget::onDownloadClicked(const QString& projectPath)
@@ -155,10 +157,12 @@ void VdsWidget::onDownloadClicked(const QString& projectPath)
     const QString url = m_lineEdit->text();
     if (url.isEmpty())
         return;
-    onMountVds(projectPath, recordFor(url.toStdString(), pathWithoutSlashes(url)));
+    bool recordAdded = false;
+    const VdsModel record = recordFor(url.toStdString(), pathWithoutSlashes(url), recordAdded);
+    mount(projectPath, record, recordAdded);
 }
 
-VdsModel VdsWidget::recordFor(const std::string& url, const QString& newName)
+VdsModel VdsWidget::recordFor(const std::string& url, const QString& newName, bool& recordAdded)
 {
     VdsTreeModel* model = vdsModel();
     for (const VdsModel& record : model->vdsList()) {
@@ -168,11 +172,17 @@ VdsModel VdsWidget::recordFor(const std::string& url, const QString& newName)
     m_lineEdit->setText(text(url));
     VdsModel record({}, newName, {}, {}, {}, url, {});
     model->addVds(record);
+    recordAdded = true;
     m_treeView->refresh();
     return record;
 }
 
 void VdsWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel)
+{
+    mount(projectPath, vdsModel, false);
+}
+
+void VdsWidget::mount(const QString& projectPath, const VdsModel& vdsModel, bool recordAdded)
 {
     if (!this->vdsModel())
         return;
@@ -185,10 +195,10 @@ void VdsWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel)
         openMountDialog(projectPath, vdsModel, vdsId);
     } catch (const Poco::JSON::JSONException& failure) {
         trace(QString("FAST VDS onMountVds JSONException %1").arg(261));
-        abandonMount(vdsModel.url, vdsId, failure, true);
+        abandonMount(vdsModel, vdsId, recordAdded, failure, true);
     } catch (const std::exception& failure) {
         trace(QString("FAST VDS onMountVds exception %1").arg(277));
-        abandonMount(vdsModel.url, vdsId, failure, false);
+        abandonMount(vdsModel, vdsId, recordAdded, failure, false);
     }
 }
 
@@ -228,14 +238,19 @@ void VdsWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsM
     dialog->show();
 }
 
-void VdsWidget::abandonMount(const std::string& url, const std::string& vdsId, const std::exception& failure,
-                             bool badJson)
+void VdsWidget::abandonMount(const VdsModel& vdsModel, const std::string& vdsId, bool recordAdded,
+                             const std::exception& failure, bool badJson)
 {
+    const std::string& url = vdsModel.url;
     // Without an id the lookup itself failed: there is nothing to unregister, and a DELETE on
-    // the bare collection must never reach FAST.
-    if (!vdsId.empty())
+    // the bare collection must never reach FAST. Nor may another record without an id go,
+    // such as one whose registration FAST refused earlier and that waits for a retry.
+    if (!vdsId.empty()) {
         m_fast->unmountVds(vdsId, {});
-    vdsModel()->removeVdsRecord(vdsId);
+        this->vdsModel()->removeVdsRecord(vdsId);
+    } else if (recordAdded) {
+        this->vdsModel()->removeRecordForUrl(url);
+    }
     m_treeView->refresh();
     const QString reason = badJson ? "Exception occurred while parsing JSON to get volume data from VDS"
                                    : "Exception occurred";

@@ -44,14 +44,18 @@ private:
     void onBrowseClicked(const QString& projectPath);
     void onDownloadClicked(const QString& projectPath);
     VdsTreeModel* vdsModel() const;
-    // The record for url: the one in the tree, or a new one added under the given name.
-    VdsModel recordFor(const std::string& url, const QString& newName);
+    // The record for url: the one in the tree, or a new one added under the given name (then
+    // recordAdded is set).
+    VdsModel recordFor(const std::string& url, const QString& newName, bool& recordAdded);
+    // recordAdded: this action put the record into the tree, so a failure takes it out again.
+    void mount(const QString& projectPath, const VdsModel& vdsModel, bool recordAdded);
     // Empty when FAST could not be made to know the VDS; the user has been told why.
     std::string registeredId(const VdsModel& vdsModel);
     void storeId(const std::string& url, const std::string& vdsId);
     void openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId);
-    // After a failure past registration: unregister, forget the record, tell the user.
-    void abandonMount(const std::string& url, const std::string& vdsId, const std::exception& failure, bool badJson);
+    // After a failure: unregister, forget the record this mount is about, tell the user.
+    void abandonMount(const VdsModel& vdsModel, const std::string& vdsId, bool recordAdded,
+                      const std::exception& failure, bool badJson);
     QString displayName(const std::string& url) const;
 
     eWidgetType m_type;

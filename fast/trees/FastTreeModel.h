@@ -34,6 +34,8 @@ public:
     void removeAllRecords();
     // Gives the first record registered under url its FAST id, once FAST knows the volume.
     void setVdsIdForUrl(const std::string& url, const std::string& vdsId);
+    // Forgets the record for that URL (rows untouched).
+    void removeRecordForUrl(const std::string& url);
 
     // The volume row whose "Path" row holds url in column 1; null unless exactly one cell of
     // column 1, at any depth, holds that text.
@@ -58,13 +60,12 @@ protected:
     QList<QStandardItem*> makeRow(const QStringList& texts, int vdsIndex, int fileIndex = -1) const;
     // appendRow at the parent's current row count, so children keep the order they are made in.
     static void appendChild(QStandardItem* parent, const QList<QStandardItem*>& row);
-    // What both trees do when a volume goes: rebuild without it.
+    // The VDS tree's answer to a volume that goes: rebuild without it.
     void rebuildWithout(const std::string& vdsId);
+    // The first record with that id, or -1.
+    int indexOf(const std::string& vdsId) const;
 
     QList<VdsModel> m_vdsList;
-
-private:
-    int indexOf(const std::string& vdsId) const;
 };
 
 } // namespace fast
