@@ -54,6 +54,7 @@ private Q_SLOTS:
     void fastRefusingTheRegistrationStopsTheMount();
     void anUnmountedDatasetShowsAsUnregisteredAgain_data();
     void anUnmountedDatasetShowsAsUnregisteredAgain();
+    void theDatasetsComeBackWithFastAsFastNowKnowsThem();
 
 private:
     void searchFor(const QString& filter);
@@ -309,6 +310,30 @@ void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain()
     answerMountDialog(m_page.get(), "", "Cancel");
     QCOMPARE(m_fast->requestLines().filter("POST /api/v2/vds/").size(), 1);
     QTRY_VERIFY(!registered());
+}
+
+void OsduPageTest::theDatasetsComeBackWithFastAsFastNowKnowsThem()
+{
+    searchFor("volume 000");
+    const int datasets = m_page->treeView()->model()->vdsCount();
+    QVERIFY(datasets >= kDatasets);
+    const QAbstractItemModel* rows = m_page->treeView()->QTreeView::model();
+    m_page->setConnectedToFast(false);
+    QCOMPARE(rows->rowCount(), 0);
+
+    // While FAST was away, a file was mounted from the third dataset.
+    const auto client = m_fast->client();
+    const std::string url = fast::modifyVdsFilepath("s3://fast-demo-bucket/volumes/vol-0003/");
+    client->mountFile(client->registerVds(url)->getMessage(), "west", m_fast->projectDir().toStdString(), 0, 1, 0, 1,
+                      0, 1);
+    m_page->setConnectedToFast(true);
+
+    QCOMPARE(rows->rowCount(), datasets);
+    const fast::VdsModel third = *m_page->treeView()->model()->vdsAt(2);
+    QCOMPARE(q(third.url), q(url));
+    QCOMPARE(third.files.size(), std::size_t(1));
+    QCOMPARE(q(third.files.front().fileName), "west");
+    QCOMPARE(resultNames(*m_page).size(), datasets);
 }
 
 QTEST_MAIN(OsduPageTest)

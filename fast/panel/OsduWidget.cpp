@@ -51,6 +51,16 @@ QString local8Bit(const std::string& bytes)
     return QString::fromLocal8Bit(bytes.data(), static_cast<int>(bytes.size()));
 }
 
+// The dataset's FAST id and files from FAST's listing, matched by URL byte for byte; none when
+// FAST does not know it.
+void takeRegistration(VdsModel& dataset, const std::vector<VdsInfo>& volumes)
+{
+    const auto known = std::find_if(volumes.begin(), volumes.end(),
+                                    [&dataset](const VdsInfo& info) { return info.url == dataset.url; });
+    dataset.vdsId = known != volumes.end() ? known->vdsId : std::string();
+    dataset.files = known != volumes.end() ? known->files : std::vector<VdsFile>();
+}
+
 } // namespace
 
 OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& projectPath, QWidget* parent)
@@ -101,6 +111,22 @@ OsduWidget::~OsduWidget()
     if (m_searching)
         QApplication::restoreOverrideCursor();
     Q_EMIT sendActionToMdi(nullptr, nullptr, "UPDATE_WINDOW_MANAGER");
+}
+
+void OsduWidget::setConnectedToFast(bool connected)
+{
+    FastWidget::setConnectedToFast(connected);
+    FastTreeModel* model = m_osduTree->model();
+    if (!connected || model->vdsCount() == 0)
+        return;
+    const std::vector<VdsInfo> volumes = fastVolumes();
+    const QList<VdsModel> datasets = model->vdsList();
+    model->removeAllRecords();
+    for (VdsModel dataset : datasets) {
+        takeRegistration(dataset, volumes);
+        model->addVds(dataset);
+    }
+    m_osduTree->refresh();
 }
 
 void OsduWidget::onConnect()
@@ -209,12 +235,7 @@ void OsduWidget::showResults(const std::shared_ptr<osdu::StorageRecordCollection
         const std::string url = modifyVdsFilepath(collection->getDatasetProperties().getFileSource());
         VdsModel vds(local8Bit(collection->getId()), local8Bit(collection->getName()), local8Bit(collection->getKind()),
                      local8Bit(collection->getDescription()), {}, url, {});
-        const auto known = std::find_if(volumes.begin(), volumes.end(),
-                                        [&url](const VdsInfo& info) { return info.url == url; });
-        if (known != volumes.end()) {
-            vds.vdsId = known->vdsId;
-            vds.files = known->files;
-        }
+        takeRegistration(vds, volumes);
         model->addVds(vds);
     }
     m_osduTree->refresh();

@@ -29,6 +29,10 @@ public:
     OsduWidget(const std::shared_ptr<Fast>& fast, const QString& projectPath, QWidget* parent = nullptr);
     ~OsduWidget() override;
 
+    // Back in touch with FAST, the datasets found before show again, with what FAST now says of
+    // them (its id and files for each); the tree was emptied while FAST was away.
+    void setConnectedToFast(bool connected) override;
+
     void onConnect();
     void authenticationError(const QString& message, const QString& details, const QUrl& url);
     void logAuthInfo(const QString& message);
