@@ -5,6 +5,7 @@
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
+#include "StdMetaTypes.h"
 #include "MessageBoxAnswerer.h"
 #include "PanelDriver.h"
 #include "PanelTexts.h"

@@ -2,6 +2,7 @@
 // the wire and the link it renames. How a failed mount ends: tst_faults_fast.
 
 #include "FastEmulatorFixture.h"
+#include "StdMetaTypes.h"
 
 #include <fast/fast.h>
 #include <fast/panel/MountNewVolume.h>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fast/fastpanel_export.h>
 #include <fast/client/VdsDescriptors.h>
 
 #include <QMetaType>
@@ -7,8 +8,16 @@
 #include <string>
 #include <vector>
 
-// The records travel in signals, across threads too.
-Q_DECLARE_METATYPE(std::string)
+// The records travel in signals, across threads too. The standard types in the same signals are
+// registered by name inside the library (registerMetaTypes): a declaration here would clash
+// with the host's own.
 Q_DECLARE_METATYPE(fast::VdsFile)
 Q_DECLARE_METATYPE(fast::VdsModel)
-Q_DECLARE_METATYPE(std::vector<fast::VdsFile>)
+
+namespace fast {
+
+// Makes every type that the library's signals carry known to queued connections; called by
+// the pages as they are made, and safe to call again.
+FASTPANEL_EXPORT void registerMetaTypes();
+
+} // namespace fast

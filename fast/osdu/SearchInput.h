@@ -43,5 +43,3 @@ private:
 };
 
 } // namespace fast
-
-Q_DECLARE_METATYPE(std::shared_ptr<osdu::StorageRecordCollection>)

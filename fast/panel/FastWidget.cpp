@@ -10,6 +10,7 @@ namespace fast {
 
 FastWidget::FastWidget(std::shared_ptr<Fast> fast, QWidget* parent) : QWidget(parent), m_fast(std::move(fast))
 {
+    registerMetaTypes();
     qRegisterMetaType<fast::eVdsLocation>("fast::eVdsLocation");
 }
 

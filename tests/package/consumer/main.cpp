@@ -4,10 +4,20 @@
 #include <korvane/MDEventBus.h>
 
 #include <QCoreApplication>
+#include <QMetaType>
 #include <QSettings>
 #include <QTemporaryDir>
 
 #include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+// Many host sources declare the standard types they send in signals; the library's headers must
+// leave that to them.
+Q_DECLARE_METATYPE(std::string)
+Q_DECLARE_METATYPE(std::vector<fast::VdsFile>)
+Q_DECLARE_METATYPE(std::shared_ptr<osdu::StorageRecordCollection>)
 
 int main(int argc, char** argv)
 {
