@@ -1,6 +1,7 @@
 #include <fast/panel/FastWidget.h>
 
 #include <fast/client/Fast.h>
+#include <fast/panel/PanelMessages.h>
 #include <fast/trees/FastTreeModel.h>
 #include <fast/trees/FastTreeView.h>
 
@@ -36,7 +37,7 @@ void FastWidget::onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList)
     // the whole collection.
     if (vdsId.empty())
         return;
-    m_fast->unmountVds(vdsId, fileList);
+    quietly([&] { m_fast->unmountVds(vdsId, fileList); });
     auto* model = qobject_cast<FastTreeModel*>(m_treeView->sourceModel());
     if (!model)
         return;
@@ -47,7 +48,7 @@ void FastWidget::onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList)
 
 void FastWidget::onDeleteFile(std::string vdsId, VdsFile& vdsFile)
 {
-    m_fast->deleteFile(vdsFile.fileId);
+    quietly([&] { m_fast->deleteFile(vdsFile.fileId); });
     auto* model = qobject_cast<FastTreeModel*>(m_treeView->sourceModel());
     if (!model)
         return;
@@ -57,7 +58,7 @@ void FastWidget::onDeleteFile(std::string vdsId, VdsFile& vdsFile)
         return record.vdsId == vdsId && record.files.empty();
     });
     if (volumeNowEmpty) {
-        m_fast->unmountVds(vdsId, {});
+        quietly([&] { m_fast->unmountVds(vdsId, {}); });
         model->vdsUnmounted(vdsId);
     }
     Q_EMIT removeVdsFileFromProject(QString::fromStdString(vdsFile.fileName));

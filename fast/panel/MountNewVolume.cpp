@@ -2,6 +2,7 @@
 
 #include <fast/client/Fast.h>
 #include <fast/client/VirtualDrive.h>
+#include <fast/panel/PanelMessages.h>
 
 #include <korvane/IconXPMHandler.h>
 #include <korvane/MDEventBus.h>
@@ -217,12 +218,21 @@ void MountNewVolume::onSave()
     const QFileInfo link(m_projectPath + QDir::separator() + name + QStringLiteral(".kv"));
     // FAST takes the Z pair first and the In-line pair last, the reverse of the description
     // that set the rows' defaults; mounts made so far depend on this order, so it stays.
-    const auto response = m_fast->mountFile(m_vdsId, name.toUtf8().toStdString(), m_projectPath.toUtf8().toStdString(),
-                                            m_z.slider->lowerValue(), m_z.slider->upperValue(),
-                                            m_crossline.slider->lowerValue(), m_crossline.slider->upperValue(),
-                                            m_inline.slider->lowerValue(), m_inline.slider->upperValue());
-    const int status = response->getResponse();
-    const QString body = QString::fromStdString(response->getMessage());
+    int status = 0;
+    std::string fileId;
+    QString body;
+    try {
+        const auto response = m_fast->mountFile(
+            m_vdsId, name.toUtf8().toStdString(), m_projectPath.toUtf8().toStdString(), m_z.slider->lowerValue(),
+            m_z.slider->upperValue(), m_crossline.slider->lowerValue(), m_crossline.slider->upperValue(),
+            m_inline.slider->lowerValue(), m_inline.slider->upperValue());
+        status = response->getResponse();
+        fileId = response->getMessage();
+        body = QString::fromStdString(fileId);
+    } catch (const std::exception& failure) {
+        // No answer to show: the request never made it, as when FAST cannot be reached.
+        body = exceptionText(failure);
+    }
     if (status != 200) {
         showMountError(link.completeBaseName(), status, body);
         MDEventBus::sendMessage(1,
@@ -250,7 +260,6 @@ void MountNewVolume::onSave()
             QThread::msleep(kRenameRetryMs);
         }
     });
-    const std::string fileId = response->getMessage();
     const QString fileName = link.completeBaseName();
     connect(
         renamer, &QThread::finished, this,
@@ -268,7 +277,7 @@ void MountNewVolume::onRenameFinished(bool renamed, const std::string& fileId, c
         return;
     }
     // Without its link the host cannot open the file, so FAST should not keep it either.
-    m_fast->deleteFile(fileId);
+    quietly([&] { m_fast->deleteFile(fileId); });
     showMountError(fileName, 200, QString::fromStdString(fileId));
     MDEventBus::sendMessage(
         1, QStringLiteral("Bluware FAST\u2122 error : impossible to rename remote file %1.kv").arg(fileName), false);

@@ -133,9 +133,14 @@ void OsduWidget::onConnect()
 {
     // The initializer is process-wide and keeps the first provider.
     m_providerChoice->setEnabled(false);
-    m_initializer = OsduFastInitializer::instance(
-        static_cast<OsduFastInitializer::eCloudProvider>(m_providerChoice->currentIndex()));
-    if (!m_initializer->isInitialized()) {
+    try {
+        m_initializer = OsduFastInitializer::instance(
+            static_cast<OsduFastInitializer::eCloudProvider>(m_providerChoice->currentIndex()));
+    } catch (const std::exception& failure) {
+        traceException(failure);
+        m_initializer.reset();
+    }
+    if (!m_initializer || !m_initializer->isInitialized()) {
         trace("FAST OSDU connection error");
         QMessageBox::critical(this, "Error Initializing OSDU", "Failed to initialize the OSDU runtime environment.",
                               QMessageBox::Ok);
@@ -146,7 +151,11 @@ void OsduWidget::onConnect()
     connect(provider, &osdu::OsduAuthProvider::userAuthorized, this, &OsduWidget::userAuthorized, Qt::UniqueConnection);
     connect(provider, &osdu::OsduAuthProvider::error, this, &OsduWidget::authenticationError, Qt::UniqueConnection);
     connect(provider, &osdu::OsduAuthProvider::info, this, &OsduWidget::logAuthInfo, Qt::UniqueConnection);
-    provider->authorizeAsync(OsduFastInitializer::authenticationTimeoutMs());
+    try {
+        provider->authorizeAsync(OsduFastInitializer::authenticationTimeoutMs());
+    } catch (const std::exception& failure) {
+        authenticationError(exceptionText(failure), {}, {});
+    }
 }
 
 void OsduWidget::authenticationError(const QString& message, const QString& details, const QUrl& /*url*/)
@@ -174,7 +183,13 @@ void OsduWidget::enableSearch()
 {
     m_providerChoice->setEnabled(false);
     m_connectButton->setEnabled(false);
-    m_searchInput->initialize();
+    try {
+        m_searchInput->initialize();
+    } catch (const std::exception& failure) {
+        // Signed in, but no client for the platform: as good as a failed sign-in.
+        authenticationError(exceptionText(failure), {}, {});
+        return;
+    }
     for (QWidget* widget : {static_cast<QWidget*>(m_resultLabel), static_cast<QWidget*>(m_searchInput),
                             static_cast<QWidget*>(m_searchButton), static_cast<QWidget*>(m_osduTree)})
         widget->setEnabled(true);

@@ -35,6 +35,11 @@ QString exceptionText(const std::exception& failure)
     return QString::fromUtf8(failure.what());
 }
 
+void traceException(const std::exception& failure)
+{
+    trace(QString("Exception: %1").arg(exceptionText(failure)));
+}
+
 void reportListingFailure(QWidget* parent, const std::exception& failure)
 {
     const QString text = QString("Unable to parse JSON to get VDS list: %1").arg(exceptionText(failure));

@@ -22,4 +22,21 @@ QString exceptionText(const std::exception& failure);
 // The listing of the VDS could not be read: logged as an error and shown to the user.
 void reportListingFailure(QWidget* parent, const std::exception& failure);
 
+// Traces an exception that the user is not told of (kind 3).
+void traceException(const std::exception& failure);
+
+// Runs a FAST call whose failure the user is not told of, such as those of the trees' own
+// handlers: whatever it throws is traced, and the caller goes on as if it had succeeded.
+template <typename Call>
+void quietly(Call&& call) noexcept
+{
+    try {
+        call();
+    } catch (const std::exception& failure) {
+        traceException(failure);
+    } catch (...) {
+        trace(QStringLiteral("Unknown exception"));
+    }
+}
+
 } // namespace fast

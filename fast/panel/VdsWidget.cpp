@@ -246,7 +246,7 @@ void VdsWidget::abandonMount(const VdsModel& vdsModel, const std::string& vdsId,
     // the bare collection must never reach FAST. Nor may another record without an id go,
     // such as one whose registration FAST refused earlier and that waits for a retry.
     if (!vdsId.empty()) {
-        m_fast->unmountVds(vdsId, {});
+        quietly([&] { m_fast->unmountVds(vdsId, {}); });
         this->vdsModel()->removeVdsRecord(vdsId);
     } else if (recordAdded) {
         this->vdsModel()->removeRecordForUrl(url);
