@@ -82,8 +82,8 @@ void FaultsOsduTest::initTestCase()
         OsduFastInitializer earlier(OsduFastInitializer::AWS);
         earlier.authProvider()->setBrowserOpener(testBrowser());
         QSignalSpy authorized(earlier.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
-        QVERIFY(earlier.authProvider()->authorizeAsync(5000));
-        QVERIFY(authorized.wait(15000));
+        QVERIFY(earlier.authProvider()->authorizeAsync(kSignInLimitMs));
+        QVERIFY(authorized.wait(2 * kSignInLimitMs));
     }
     m_osdu->setRefreshTokenLifetime(std::chrono::hours(24));
     m_lapsedToken = storedToken();
@@ -220,8 +220,8 @@ void FaultsOsduTest::anUntrustedCertificateIsRefused()
         bool opened = false;
         later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
         QSignalSpy failed(later.authProvider().get(), &osdu::OsduAuthProvider::error);
-        QVERIFY(later.authProvider()->authorizeAsync(5000));
-        QVERIFY(failed.wait(15000));
+        QVERIFY(later.authProvider()->authorizeAsync(kSignInLimitMs));
+        QVERIFY(failed.wait(2 * kSignInLimitMs));
         QVERIFY(!opened);
         said = failed.at(0).at(0).toString() + ": " + failed.at(0).at(1).toString();
     }

@@ -8,6 +8,7 @@
 #include "OsduEmulatorSettings.h"
 #include "PanelDriver.h"
 #include "PanelTexts.h"
+#include "SignInWatch.h"
 #include "TestBrowser.h"
 
 #include <fast/client/Fast.h>
@@ -105,8 +106,8 @@ void OsduPageTest::aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits()
         later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
         QSignalSpy authorized(later.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
         QSignalSpy failed(later.authProvider().get(), &osdu::OsduAuthProvider::error);
-        later.authProvider()->authorizeAsync(5000);
-        if (!QTest::qWaitFor([&] { return authorized.size() + failed.size() > 0; }, 5000))
+        later.authProvider()->authorizeAsync(kSignInLimitMs);
+        if (!QTest::qWaitFor([&] { return authorized.size() + failed.size() > 0; }, 2 * kSignInLimitMs))
             qWarning("the sign-in neither succeeded nor failed");
         return opened;
     };

@@ -6,6 +6,11 @@
 #include <QList>
 #include <QUrl>
 
+// How long a sign-in may take in a test: TLS handshakes and token requests under the sanitizers,
+// with both cores busy, take seconds where they take milliseconds on a quiet machine. Only a
+// test that is failing anyway waits this long.
+constexpr int kSignInLimitMs = 30000;
+
 // Watches sign-ins from the browser's side: which sign-in pages were opened, and on which port
 // the panel waited for the answer.
 class SignInWatch
