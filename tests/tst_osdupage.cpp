@@ -26,6 +26,7 @@
 #include <QCryptographicHash>
 #include <QPushButton>
 #include <QSettings>
+#include <QTextCodec>
 #include <QtTest>
 
 using fast::OsduFastInitializer;
@@ -47,6 +48,7 @@ private Q_SLOTS:
     void aSignInFailureWithoutDetailsShowsTheMessageAlone();
     void searchFiltersByNameDescriptionAndId();
     void returnRunsWhatTheSearchButtonRuns();
+    void platformTextsAreReadAsUtf8OnAnyMachine();
     void aFastListingItCannotReadLeavesTheResultsUnregistered_data();
     void aFastListingItCannotReadLeavesTheResultsUnregistered();
     void closingThePageDuringASearchDropsItsResults();
@@ -172,6 +174,19 @@ void OsduPageTest::returnRunsWhatTheSearchButtonRuns()
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0003"});
     QCOMPARE(resultLabel(*m_page), "1 result(s) found");
     QVERIFY(!QApplication::overrideCursor());
+}
+
+void OsduPageTest::platformTextsAreReadAsUtf8OnAnyMachine()
+{
+    // A Windows machine's 8-bit encoding is not UTF-8.
+    QTextCodec* local = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("Windows-1252"));
+    m_osdu->addDataset("opendes:dataset--FileCollection.Bluware.OpenVDS:utf8", "Nordsjø Ålesund 北海",
+                       "Tiefe für Öl", "s3://fast-demo-bucket/volumes/utf8/");
+    searchFor("Ålesund");
+    QTextCodec::setCodecForLocale(local);
+    QCOMPARE(resultNames(*m_page), QStringList{"Nordsjø Ålesund 北海"});
+    QCOMPARE(m_page->treeView()->model()->vdsAt(0)->description, "Tiefe für Öl");
 }
 
 void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered_data()

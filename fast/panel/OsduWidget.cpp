@@ -46,11 +46,6 @@ QString text(const std::string& utf8)
     return QString::fromStdString(utf8);
 }
 
-QString local8Bit(const std::string& bytes)
-{
-    return QString::fromLocal8Bit(bytes.data(), static_cast<int>(bytes.size()));
-}
-
 // The dataset's FAST id and files from FAST's listing, matched by URL byte for byte; none when
 // FAST does not know it.
 void takeRegistration(VdsModel& dataset, const std::vector<VdsInfo>& volumes)
@@ -248,8 +243,9 @@ void OsduWidget::showResults(const std::shared_ptr<osdu::StorageRecordCollection
         if (!collection)
             continue;
         const std::string url = modifyVdsFilepath(collection->getDatasetProperties().getFileSource());
-        VdsModel vds(local8Bit(collection->getId()), local8Bit(collection->getName()), local8Bit(collection->getKind()),
-                     local8Bit(collection->getDescription()), {}, url, {});
+        // The platform's texts are UTF-8 whatever the machine's 8-bit encoding is.
+        VdsModel vds(text(collection->getId()), text(collection->getName()), text(collection->getKind()),
+                     text(collection->getDescription()), {}, url, {});
         takeRegistration(vds, volumes);
         model->addVds(vds);
     }
