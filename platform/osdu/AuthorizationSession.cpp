@@ -153,10 +153,6 @@ void AuthorizationSession::readCallback(QTcpSocket* socket)
 
 void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& query)
 {
-    m_browser = socket;
-    m_browserWait.stop();
-    m_server.close();
-
     QMap<QByteArray, QByteArray> fields;
     for (const QByteArray& pair : query.split('&')) {
         const int equals = pair.indexOf('=');
@@ -164,12 +160,16 @@ void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& 
         if (!fields.contains(name))
             fields.insert(name, equals < 0 ? QByteArray() : decoded(pair.mid(equals + 1)));
     }
+    // Any local program or web page can reach this port; only the answer that carries this
+    // sign-in's state may end it, so the others are turned away and the wait goes on.
     if (fields.value("state") != m_state) {
-        finish({QStringLiteral("Sign-in was refused: the answer did not come from this sign-in (state mismatch)"),
-                {},
-                authorizationEndpoint()});
+        reply(socket, 400, QStringLiteral("This answer did not come from the sign-in under way (state mismatch)"));
+        emit m_provider.info(QStringLiteral("A sign-in answer without this sign-in's state was refused"));
         return;
     }
+    m_browser = socket;
+    m_browserWait.stop();
+    m_server.close();
     const QByteArray code = fields.value("code");
     if (fields.contains("error") || code.isEmpty()) {
         QString details = QString::fromUtf8(fields.value("error"));
