@@ -49,10 +49,11 @@ struct Signals
     QSignalSpy authorized, errors, infos;
 };
 
-emulator::OsduEmulatorOptions withSecret(const std::string& secret)
+emulator::OsduEmulatorOptions withSecret(const std::string& secret, const std::string& tokenType = "Bearer")
 {
     emulator::OsduEmulatorOptions options;
     options.clientSecret = secret;
+    options.tokenType = tokenType;
     options.issuedPrefix = kIssued.toStdString();
     return options;
 }
@@ -60,8 +61,8 @@ emulator::OsduEmulatorOptions withSecret(const std::string& secret)
 struct Platform
 {
     explicit Platform(bool aws = false, const std::string& secret = Secret,
-                      std::function<QUrl(const QUrl&)> tamper = {})
-        : server(withSecret(secret))
+                      std::function<QUrl(const QUrl&)> tamper = {}, const std::string& tokenType = "Bearer")
+        : server(withSecret(secret, tokenType))
     {
         server.start();
         provider = aws ? std::shared_ptr<OsduAuthProvider>(std::make_shared<osdu::AWSOsduAuthProvider>())
@@ -121,6 +122,8 @@ private Q_SLOTS:
     void browserSignInExchangesTheCodeOnceAndStopsListening_data();
     void browserSignInExchangesTheCodeOnceAndStopsListening();
     void forgedOrMissingStateIsTurnedAwayAndTheSignInGoesOn();
+    void onlyABearerTokenIsTaken_data();
+    void onlyABearerTokenIsTaken();
     void everyFailureEndsInOneErrorInTheServersWords_data();
     void everyFailureEndsInOneErrorInTheServersWords();
     void threadsAskingTogetherRenewTheTokenOnce();
@@ -189,6 +192,36 @@ void OsduClientTest::forgedOrMissingStateIsTurnedAwayAndTheSignInGoesOn()
     QCOMPARE(platform.requestsTo("/oauth2/token"), 1);
     QVERIFY(!outcome.said().contains(kIssued));
     QVERIFY(!acceptsConnections(QHostAddress::LocalHost, platform.watch.callbackPort()));
+}
+
+void OsduClientTest::onlyABearerTokenIsTaken_data()
+{
+    QTest::addColumn<QString>("tokenType");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("bearer, any case") << "bEARer" << "";
+    QTest::newRow("another type") << "MAC"
+                                  << "Sign-in failed: the authorization server did not issue a bearer token: "
+                                     "token_type \"MAC\"";
+    QTest::newRow("none") << ""
+                          << "Sign-in failed: the authorization server did not issue a bearer token: "
+                             "its answer has no token_type";
+}
+
+void OsduClientTest::onlyABearerTokenIsTaken()
+{
+    QFETCH(QString, tokenType);
+    QFETCH(QString, error);
+    Platform platform(false, Secret, {}, tokenType.toStdString());
+    Signals outcome(*platform.provider);
+    platform.provider->initialize(platform.params());
+    QVERIFY(platform.provider->authorizeAsync(TimeoutMs));
+    QTRY_COMPARE_WITH_TIMEOUT(outcome.authorized.count() + outcome.errors.count(), 1, TimeoutMs);
+    if (error.isEmpty()) {
+        QCOMPARE(outcome.authorized.count(), 1);
+        return;
+    }
+    QCOMPARE(outcome.errors[0][0].toString() + ": " + outcome.errors[0][1].toString(), error);
+    QVERIFY(platform.provider->refreshToken().isEmpty());
 }
 
 void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords_data()

@@ -49,6 +49,15 @@ TokenGrant readTokenAnswer(const CurlResponse& response)
         return grant;
     }
 
+    // The token goes out as "Authorization: Bearer"; a token of another type would be misused.
+    const QString tokenType = answer.value(QStringLiteral("token_type")).toString();
+    if (tokenType.compare(QStringLiteral("Bearer"), Qt::CaseInsensitive) != 0) {
+        grant.message = QStringLiteral("Sign-in failed: the authorization server did not issue a bearer token");
+        grant.details = tokenType.isEmpty() ? QStringLiteral("its answer has no token_type")
+                                            : QStringLiteral("token_type \"%1\"").arg(tokenType);
+        return grant;
+    }
+
     const QDateTime now = QDateTime::currentDateTimeUtc();
     grant.ok = true;
     grant.accessToken = accessToken.toStdString();

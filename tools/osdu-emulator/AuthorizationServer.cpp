@@ -297,7 +297,7 @@ OsduReply AuthorizationServer::issue(const std::string& clientId, const std::str
     };
     Poco::JSON::Object::Ptr body = new Poco::JSON::Object;
     body->set("access_token", accessToken);
-    body->set("token_type", std::string("Bearer"));
+    body->set("token_type", m_config.tokenType);
     body->set("expires_in", wholeSeconds(m_config.accessTokenLifetime));
     body->set("refresh_token", refreshToken);
     if (m_config.announceRefreshTokenLifetime)

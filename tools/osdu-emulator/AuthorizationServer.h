@@ -37,6 +37,8 @@ public:
         bool announceRefreshTokenLifetime = true;
         // Empty: random codes and tokens; else this text, the kind and a running number.
         std::string issuedPrefix;
+        // What the token answers say the access token is; a client must use nothing but "Bearer".
+        std::string tokenType = "Bearer";
     };
 
     explicit AuthorizationServer(Config config);

@@ -31,6 +31,8 @@ struct OsduEmulatorOptions
     // number instead of random text, so that a test knows each one and can look for it wherever
     // it must not turn up.
     std::string issuedPrefix;
+    // The token answers' token_type.
+    std::string tokenType = "Bearer";
 };
 
 // One request as the emulator received it, with the headers a client is judged by.
