@@ -122,6 +122,8 @@ private Q_SLOTS:
     void browserSignInExchangesTheCodeOnceAndStopsListening_data();
     void browserSignInExchangesTheCodeOnceAndStopsListening();
     void forgedOrMissingStateIsTurnedAwayAndTheSignInGoesOn();
+    void plainHttpIsRefusedOffLoopback_data();
+    void plainHttpIsRefusedOffLoopback();
     void onlyABearerTokenIsTaken_data();
     void onlyABearerTokenIsTaken();
     void everyFailureEndsInOneErrorInTheServersWords_data();
@@ -192,6 +194,52 @@ void OsduClientTest::forgedOrMissingStateIsTurnedAwayAndTheSignInGoesOn()
     QCOMPARE(platform.requestsTo("/oauth2/token"), 1);
     QVERIFY(!outcome.said().contains(kIssued));
     QVERIFY(!acceptsConnections(QHostAddress::LocalHost, platform.watch.callbackPort()));
+}
+
+void OsduClientTest::plainHttpIsRefusedOffLoopback_data()
+{
+    QTest::addColumn<QString>("setting");
+    QTest::addColumn<QString>("url");
+    QTest::addColumn<bool>("refused");
+    QTest::newRow("authorization, remote http") << "OSDU_OAUTH_URL" << "http://login.example.com/authorize" << true;
+    QTest::newRow("authorization, a name that only begins like loopback")
+        << "OSDU_OAUTH_URL" << "http://127.0.0.1.example.com/authorize" << true;
+    QTest::newRow("authorization, not http at all") << "OSDU_OAUTH_URL" << "ftp://127.0.0.1/authorize" << true;
+    QTest::newRow("authorization, https") << "OSDU_OAUTH_URL" << "https://login.example.com/authorize" << false;
+    QTest::newRow("authorization, localhost") << "OSDU_OAUTH_URL" << "http://LocalHost:9/authorize" << false;
+    QTest::newRow("authorization, 127.0.0.0/8") << "OSDU_OAUTH_URL" << "http://127.8.9.10:9/authorize" << false;
+    QTest::newRow("authorization, ::1") << "OSDU_OAUTH_URL" << "http://[::1]:9/authorize" << false;
+    QTest::newRow("token, remote http") << "OSDU_OAUTH_TOKEN_URL" << "http://10.1.2.3/token" << true;
+    QTest::newRow("platform, remote http") << "OSDU_BASE_URL" << "http://osdu.example.com" << true;
+}
+
+void OsduClientTest::plainHttpIsRefusedOffLoopback()
+{
+    QFETCH(QString, setting);
+    QFETCH(QString, url);
+    QFETCH(bool, refused);
+    Platform platform;
+    const QString refusal = "The setting " + setting + " must be an https URL";
+    if (setting == "OSDU_BASE_URL") {
+        QVERIFY(platform.signIn());
+        platform.server.clearRequests();
+        osdu::OsduHttpClient client(url.toStdString(), platform.provider);
+        QVERIFY(failureOf([&client] { client.get("/api/storage/v2/records/x", "opendes"); }).startsWith(refusal));
+        QCOMPARE(platform.server.requests().size(), std::size_t(0));
+        return;
+    }
+    osdu::OsduAuthProviderInitParams params = platform.params();
+    (setting == "OSDU_OAUTH_URL" ? params.oauthUrl : params.oauthTokenUrl) = url.toStdString();
+    bool opened = false;
+    platform.provider->setBrowserOpener(forbiddenBrowser(&opened));
+    Signals outcome(*platform.provider);
+    platform.provider->initialize(params);
+    QVERIFY(platform.provider->authorizeAsync(TimeoutMs));
+    QTRY_COMPARE_WITH_TIMEOUT(outcome.errors.count(), 1, TimeoutMs);
+    QCOMPARE(outcome.errors[0][0].toString().startsWith(refusal), refused);
+    // A refused sign-in goes nowhere, not even to the browser.
+    QCOMPARE(opened, !refused);
+    QCOMPARE(platform.server.requests().size(), std::size_t(0));
 }
 
 void OsduClientTest::onlyABearerTokenIsTaken_data()

@@ -124,6 +124,11 @@ void AuthorizationSession::startInBrowser()
         finish({QStringLiteral("Unable to open the web browser for sign-in"), {}, authorizationEndpoint()});
 }
 
+void AuthorizationSession::refuse(const QString& message, const QString& url)
+{
+    finish({message, url, QUrl(url)});
+}
+
 void AuthorizationSession::acceptConnections()
 {
     while (QTcpSocket* socket = m_server.nextPendingConnection()) {

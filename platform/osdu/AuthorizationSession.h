@@ -54,6 +54,8 @@ public:
 
     void startWithRefreshToken(const std::string& refreshToken);
     void startInBrowser();
+    // Ends the sign-in before anything was sent, for a reason found in its settings.
+    void refuse(const QString& message, const QString& url);
 
     // The refresh-token grant as the provider authenticates at its token endpoint.
     static TokenRequest refreshRequest(const OsduAuthProvider& provider, const std::string& refreshToken,

@@ -1,6 +1,7 @@
 #include <osdu/OsduAuthProvider.h>
 
 #include "AuthorizationSession.h"
+#include "TransportSecurity.h"
 
 #include <QDesktopServices>
 
@@ -78,6 +79,14 @@ bool OsduAuthProvider::authorizeAsync(int timeoutMs)
     }
     auto* session = new AuthorizationSession(*this, limit);
     m_state->session = session;
+    // Tokens and codes never travel in the clear: refused before anything is sent or looked up.
+    for (const auto& [url, setting] : {std::pair(&m_state->params.oauthUrl, "OSDU_OAUTH_URL"),
+                                       std::pair(&m_state->params.oauthTokenUrl, "OSDU_OAUTH_TOKEN_URL")}) {
+        if (!usesSafeTransport(*url)) {
+            session->refuse(QString::fromStdString(unsafeTransportMessage(setting)), QString::fromStdString(*url));
+            return true;
+        }
+    }
     if (refreshToken.empty())
         session->startInBrowser();
     else

@@ -2,6 +2,8 @@
 
 #include <osdu/OsduAuthProvider.h>
 
+#include "TransportSecurity.h"
+
 #include <stdexcept>
 
 namespace osdu {
@@ -37,6 +39,9 @@ CurlResponse OsduHttpClient::post(const std::string& path, const std::string& js
 CurlResponse OsduHttpClient::send(bool post, const std::string& path, const std::string& body,
                                   const std::string& partition)
 {
+    // Checked before the token is asked for: nothing goes out, not even a name lookup.
+    if (!usesSafeTransport(m_baseUrl))
+        throw std::runtime_error(unsafeTransportMessage("OSDU_BASE_URL"));
     const std::lock_guard<std::mutex> lock(m_mutex);
     CurlResponse response;
     // A token can be revoked or cut short before its stated expiry: one renewal and retry.
