@@ -79,6 +79,7 @@ struct Platform
                 refreshToken,
                 "http://127.0.0.1/signin",
                 0,
+                {},
                 {}};
     }
     bool signIn()

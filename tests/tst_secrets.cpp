@@ -211,6 +211,7 @@ void SecretsTest::failedBrowserSignInsLeaveNothingListening()
                          {},
                          "http://127.0.0.1",
                          0,
+                         {},
                          {}});
     const auto weakenedChallenge = replacingQueryItem("code_challenge_method", "plain");
     provider.setBrowserOpener(m_browser.opener(silentTokenEndpoint ? testBrowser() : testBrowser(weakenedChallenge)));

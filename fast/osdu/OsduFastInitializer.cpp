@@ -1,6 +1,7 @@
 #include <fast/osdu/OsduFastInitializer.h>
 
 #include <fast/osdu/OsduSettingsKeys.h>
+#include <fast/panel/PanelMessages.h>
 
 #include <osdu/AWSOsduAuthProvider.h>
 #include <osdu/AzureOsduAuthProvider.h>
@@ -92,6 +93,7 @@ OsduFastInitializer::OsduFastInitializer(eCloudProvider provider)
     if (!stored.usable && !stored.token.empty() && m_refreshToken == stored.token)
         m_refreshToken.clear();
     m_resource = setting(OSDU_RESOURCE, "");
+    m_prompt = setting(OSDU_PROMPT, "");
 
     m_authProvider = makeProvider(provider);
     if (m_authProvider && !m_clientId.empty() && !m_clientSecret.empty() && !m_oauthUrl.empty()
@@ -106,6 +108,7 @@ OsduFastInitializer::OsduFastInitializer(eCloudProvider provider)
         params.callbackUrl = m_callbackUrl;
         params.callbackPort = m_callbackPort;
         params.resource = m_resource;
+        params.prompt = m_prompt;
         m_authProvider->initialize(params);
         m_initialized = true;
         connect(m_authProvider.get(), &osdu::OsduAuthProvider::userAuthorized, this,
@@ -149,8 +152,19 @@ std::string OsduFastInitializer::getCloudProviderSettingsGroup(eCloudProvider pr
 
 void OsduFastInitializer::storeRefreshToken(const std::string& settingsGroup)
 {
-    const QDateTime expiry = m_authProvider->refreshTokenExpiry();
     const QString token = m_authProvider->refreshToken();
+    if (token.isEmpty()) {
+        if (!m_toldNoRefreshToken)
+            information("The OSDU™ Data Platform gave no refresh token: the next run will need the web browser to "
+                        "sign in again.");
+        m_toldNoRefreshToken = true;
+        return;
+    }
+    // Unknown when a renewal kept the stored token without a word on its lifetime: the stored
+    // expiry stands.
+    const QDateTime expiry = m_authProvider->refreshTokenExpiry();
+    if (!expiry.isValid())
+        return;
     QSettings settings;
     settings.beginGroup(key(settingsGroup));
     settings.setValue(key(OSDU_REFRESH_TOKEN_HASH), credentialFingerprint(m_clientId, m_clientSecret));

@@ -43,6 +43,9 @@ public:
     static std::string getCloudProviderSettingsGroup(eCloudProvider provider);
 
 private:
+    // Keeps the session for the next run: the refresh token, the fingerprint of the client
+    // that obtained it and its expiry. A token that a renewal kept keeps its stored expiry; a
+    // sign-in that gave no refresh token stores nothing.
     void storeRefreshToken(const std::string& settingsGroup);
 
     std::string m_grantType;
@@ -60,6 +63,9 @@ private:
     std::string m_reserved2;
     bool m_initialized = false;
     std::string m_lastError;
+    std::string m_prompt;
+    // The user hears once per process that sign-in gave no lasting session.
+    bool m_toldNoRefreshToken = false;
 };
 
 // "Amazon Web Services", "Microsoft Azure", or empty for any other value.

@@ -19,6 +19,8 @@ FASTPANEL_EXPORT extern const std::string OSDU_OAUTH_TOKEN_URL;
 FASTPANEL_EXPORT extern const std::string OSDU_REFRESH_TOKEN;
 FASTPANEL_EXPORT extern const std::string OSDU_RESOURCE;
 FASTPANEL_EXPORT extern const std::string OSDU_BASE_URL;
+// The authorization request's prompt; empty (the default) sends none.
+FASTPANEL_EXPORT extern const std::string OSDU_PROMPT;
 FASTPANEL_EXPORT extern const std::string OSDU_DATA_PARTITION_ID;
 // Group "FAST": seconds allowed for each sign-in exchange.
 FASTPANEL_EXPORT extern const std::string OSDU_AUTHENTICATION_TIMEOUT;

@@ -99,6 +99,8 @@ void AuthorizationSession::startInBrowser()
     const QString scope = m_provider.authorizationScope();
     if (!scope.isEmpty())
         fields.emplace_back("scope", scope);
+    if (!m_params.prompt.empty())
+        fields.emplace_back("prompt", QString::fromStdString(m_params.prompt));
     fields.emplace_back("state", QString::fromLatin1(m_state));
     const QByteArray challenge = base64Url(QCryptographicHash::hash(m_verifier, QCryptographicHash::Sha256));
     fields.emplace_back("code_challenge", QString::fromLatin1(challenge));

@@ -28,13 +28,17 @@ void OsduAuthProvider::State::keep(const TokenGrant& grant)
 {
     accessToken = grant.accessToken;
     accessExpiry = grant.accessExpiry;
-    const QDateTime assumedExpiry = QDateTime::currentDateTimeUtc().addSecs(AssumedRefreshLifetimeSeconds);
     if (!grant.refreshToken.empty()) {
         refreshToken = grant.refreshToken;
-        refreshExpiry = grant.refreshExpiry.isValid() ? grant.refreshExpiry : assumedExpiry;
-    } else if (!refreshExpiry.isValid()) {
-        refreshExpiry = assumedExpiry;
+        refreshExpiry = grant.refreshExpiry.isValid()
+                            ? grant.refreshExpiry
+                            : QDateTime::currentDateTimeUtc().addSecs(AssumedRefreshLifetimeSeconds);
+    } else if (grant.refreshExpiry.isValid()) {
+        // A lifetime stated for the token that stays.
+        refreshExpiry = grant.refreshExpiry;
     }
+    // Otherwise the token that stays keeps what is known of its expiry: renewing with it does
+    // not make it last longer.
 }
 
 void OsduAuthProvider::State::forget()

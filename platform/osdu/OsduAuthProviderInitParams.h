@@ -17,6 +17,8 @@ struct OsduAuthProviderInitParams
     std::string callbackUrl;  // an http URL on the loopback host, without a port
     int callbackPort = 80;
     std::string resource;
+    // The authorization request's prompt ("consent", say); empty sends none.
+    std::string prompt;
 };
 
 } // namespace osdu

@@ -201,7 +201,8 @@ OsduReply AuthorizationServer::authorize(const std::string& rawQuery)
         return errorRedirect(redirectUri, "invalid_request", "code_challenge is not a base64url SHA-256 digest", state);
 
     const std::string code = newSecret("code");
-    m_codes[code] = {m_config.clientId, redirectUri, challenge, valueOf(query, "scope"), Clock::now() + kCodeLifetime};
+    m_codes[code] = {m_config.clientId, redirectUri, challenge, valueOf(query, "scope"), Clock::now() + kCodeLifetime,
+                     valueOf(query, "prompt") == "consent"};
     std::vector<std::pair<std::string, std::string>> parameters{{"code", code}};
     if (!state.empty())
         parameters.emplace_back("state", state);
@@ -264,7 +265,7 @@ OsduReply AuthorizationServer::exchangeCode(const Form& form, const std::string&
     if (!isPkceText(verifier, 43, 128) || s256(verifier) != pending.challenge)
         return oauthError(400, "invalid_grant", "The code_verifier does not match the code_challenge");
     ++m_issued.codeExchanges;
-    return issue(clientId, pending.scope);
+    return issue(clientId, pending.scope, pending.consented || !m_config.refreshTokenOnlyWithConsent);
 }
 
 OsduReply AuthorizationServer::refresh(const Form& form, const std::string& clientId)
@@ -273,24 +274,23 @@ OsduReply AuthorizationServer::refresh(const Form& form, const std::string& clie
     if (found == m_refreshTokens.end())
         return oauthError(400, "invalid_grant", "Unknown or already used refresh token");
     const Grant grant = found->second;
-    // Rotation: the refresh token presented is spent either way.
-    m_refreshTokens.erase(found);
+    // With rotation, the refresh token presented is spent either way.
+    if (m_config.rotateRefreshTokens)
+        m_refreshTokens.erase(found);
     if (Clock::now() >= grant.expires)
         return oauthError(400, "invalid_grant", "The refresh token expired");
     if (grant.clientId != clientId)
         return oauthError(400, "invalid_grant", "The refresh token was issued to another client");
     ++m_issued.refreshGrants;
-    return issue(clientId, grant.scope);
+    return issue(clientId, grant.scope, m_config.rotateRefreshTokens);
 }
 
-OsduReply AuthorizationServer::issue(const std::string& clientId, const std::string& scope)
+OsduReply AuthorizationServer::issue(const std::string& clientId, const std::string& scope, bool withRefreshToken)
 {
     const Clock::time_point now = Clock::now();
     forgetExpired(now);
     const std::string accessToken = newSecret("access");
-    const std::string refreshToken = newSecret("refresh");
     m_accessTokens[accessToken] = {clientId, scope, now + m_config.accessTokenLifetime};
-    m_refreshTokens[refreshToken] = {clientId, scope, now + m_config.refreshTokenLifetime};
 
     const auto wholeSeconds = [](std::chrono::milliseconds lifetime) {
         return static_cast<Poco::Int64>(std::chrono::ceil<std::chrono::seconds>(lifetime).count());
@@ -299,9 +299,13 @@ OsduReply AuthorizationServer::issue(const std::string& clientId, const std::str
     body->set("access_token", accessToken);
     body->set("token_type", m_config.tokenType);
     body->set("expires_in", wholeSeconds(m_config.accessTokenLifetime));
-    body->set("refresh_token", refreshToken);
-    if (m_config.announceRefreshTokenLifetime)
-        body->set("refresh_token_expires_in", wholeSeconds(m_config.refreshTokenLifetime));
+    if (withRefreshToken) {
+        const std::string refreshToken = newSecret("refresh");
+        m_refreshTokens[refreshToken] = {clientId, scope, now + m_config.refreshTokenLifetime};
+        body->set("refresh_token", refreshToken);
+        if (m_config.announceRefreshTokenLifetime)
+            body->set("refresh_token_expires_in", wholeSeconds(m_config.refreshTokenLifetime));
+    }
     body->set("scope", scope);
     OsduReply reply = OsduReply::json(200, body);
     reply.headers = {{"Cache-Control", "no-store"}, {"Pragma", "no-cache"}};

@@ -39,6 +39,11 @@ public:
         std::string issuedPrefix;
         // What the token answers say the access token is; a client must use nothing but "Bearer".
         std::string tokenType = "Bearer";
+        // As OpenID Connect Core 11 lets a server do: a refresh token only for a sign-in whose
+        // authorization request asked for prompt=consent.
+        bool refreshTokenOnlyWithConsent = false;
+        // false: the refresh grant keeps the refresh token presented and answers without one.
+        bool rotateRefreshTokens = true;
     };
 
     explicit AuthorizationServer(Config config);
@@ -65,6 +70,7 @@ private:
         std::string challenge;
         std::string scope;
         Clock::time_point expires;
+        bool consented = false;
     };
     struct Grant
     {
@@ -75,7 +81,8 @@ private:
 
     OsduReply exchangeCode(const Form& form, const std::string& clientId);
     OsduReply refresh(const Form& form, const std::string& clientId);
-    OsduReply issue(const std::string& clientId, const std::string& scope);
+    // withRefreshToken false: an access token alone.
+    OsduReply issue(const std::string& clientId, const std::string& scope, bool withRefreshToken = true);
     void forgetExpired(Clock::time_point now);
     std::string newSecret(const char* kind);
 

@@ -129,7 +129,8 @@ OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
     : m_options(std::move(options)),
       m_authorization({m_options.clientId, m_options.clientSecret, std::chrono::seconds(m_options.accessTokenSeconds),
                        std::chrono::seconds(m_options.refreshTokenSeconds), m_options.announceRefreshTokenLifetime,
-                       m_options.issuedPrefix, m_options.tokenType}),
+                       m_options.issuedPrefix, m_options.tokenType, m_options.refreshTokenOnlyWithConsent,
+                       m_options.rotateRefreshTokens}),
       m_records(m_options.partition), m_http(m_options.port)
 {
 }

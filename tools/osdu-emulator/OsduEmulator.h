@@ -33,6 +33,10 @@ struct OsduEmulatorOptions
     std::string issuedPrefix;
     // The token answers' token_type.
     std::string tokenType = "Bearer";
+    // A refresh token only for a sign-in that asked for prompt=consent (OpenID Connect Core 11).
+    bool refreshTokenOnlyWithConsent = false;
+    // false: refresh grants keep the refresh token and answer without a new one.
+    bool rotateRefreshTokens = true;
 };
 
 // One request as the emulator received it, with the headers a client is judged by.

@@ -1,0 +1,115 @@
+// How long an OSDU session lasts: what is kept for the next run when the server issues a refresh
+// token, does not issue one, or keeps the one it issued, and the prompt that makes a strict
+// OpenID Connect server issue one at all.
+
+#include "EventBusRecorder.h"
+#include "OsduEmulatorSettings.h"
+#include "TestBrowser.h"
+#include "TestSettings.h"
+
+#include <fast/osdu/OsduFastInitializer.h>
+
+#include <osdu/OsduAuthProvider.h>
+
+#include <QSettings>
+#include <QtTest>
+
+using fast::OsduFastInitializer;
+
+namespace {
+
+constexpr int kLimitMs = 30000;
+
+// Signs in once, as a run of the panel does, through the browser or the stored session.
+bool signIn(OsduFastInitializer& initializer)
+{
+    initializer.authProvider()->setBrowserOpener(testBrowser());
+    QSignalSpy authorized(initializer.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
+    return initializer.authProvider()->authorizeAsync(kLimitMs) && authorized.wait(kLimitMs);
+}
+
+QVariant stored(const char* key)
+{
+    return QSettings().value(QStringLiteral("AWS/") + key);
+}
+
+} // namespace
+
+class OsduSessionTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted_data();
+    void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted();
+    void aRenewalThatKeepsTheTokenKeepsItsExpiry();
+};
+
+void OsduSessionTest::aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted_data()
+{
+    QTest::addColumn<QString>("prompt");
+    QTest::newRow("no prompt") << "";
+    QTest::newRow("prompt=consent") << "consent";
+}
+
+void OsduSessionTest::aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted()
+{
+    QFETCH(QString, prompt);
+    TestSettings settings;
+    emulator::OsduEmulatorOptions options;
+    options.refreshTokenOnlyWithConsent = true;
+    const auto osdu = startOsduEmulator(settings, options, 0);
+    if (!prompt.isEmpty())
+        settings.set("AWS", "OSDU_PROMPT", prompt);
+    EventBusRecorder bus;
+    OsduFastInitializer initializer(OsduFastInitializer::AWS);
+    QVERIFY(signIn(initializer));
+    QCOMPARE(QString::fromStdString(osdu->lastAuthorizeQuery()).contains("&prompt=consent&"), !prompt.isEmpty());
+
+    const QStringList told =
+        bus.texts(Information).filter("gave no refresh token: the next run will need the web browser");
+    if (!prompt.isEmpty()) {
+        QVERIFY(!stored("OSDU_REFRESH_TOKEN").toString().isEmpty());
+        QVERIFY(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime() > QDateTime::currentDateTime().addSecs(3600));
+        QVERIFY(told.isEmpty());
+        return;
+    }
+    // Nothing that looks like a session: no empty token, no expiry made up for it.
+    for (const char* key : {"OSDU_REFRESH_TOKEN", "OSDU_REFRESH_TOKEN_HASH", "OSDU_REFRESH_TOKEN_EXPIRY"})
+        QVERIFY2(!QSettings().contains(QStringLiteral("AWS/") + key), key);
+    QCOMPARE(told.size(), 1);
+    // Said once, not at every sign-in of the run.
+    QVERIFY(signIn(initializer));
+    QCOMPARE(bus.texts(Information).filter("gave no refresh token").size(), 1);
+}
+
+void OsduSessionTest::aRenewalThatKeepsTheTokenKeepsItsExpiry()
+{
+    TestSettings settings;
+    emulator::OsduEmulatorOptions options;
+    options.rotateRefreshTokens = false;
+    options.announceRefreshTokenLifetime = false;
+    const auto osdu = startOsduEmulator(settings, options, 0);
+    {
+        OsduFastInitializer first(OsduFastInitializer::AWS);
+        QVERIFY(signIn(first));
+    }
+    const QString token = stored("OSDU_REFRESH_TOKEN").toString();
+    const QDateTime expiry = stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime();
+    QVERIFY(!token.isEmpty() && expiry.isValid());
+    // As if that first run had been a week ago.
+    QSettings().setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", expiry.addDays(-7));
+
+    OsduFastInitializer later(OsduFastInitializer::AWS);
+    bool opened = false;
+    later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
+    QSignalSpy authorized(later.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
+    QVERIFY(later.authProvider()->authorizeAsync(kLimitMs) && authorized.wait(kLimitMs));
+    QVERIFY(!opened);
+    QCOMPARE(osdu->issuedTokens().refreshGrants, 1);
+    QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), token);
+    QCOMPARE(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime(), expiry.addDays(-7));
+}
+
+QTEST_MAIN(OsduSessionTest)
+#include "tst_osdusession.moc"
