@@ -1,16 +1,23 @@
 // How long an OSDU session lasts: what is kept for the next run when the server issues a refresh
-// token, does not issue one, or keeps the one it issued, and the prompt that makes a strict
-// OpenID Connect server issue one at all.
+// token, does not issue one, or keeps the one it issued, the prompt that makes a strict OpenID
+// Connect server issue one at all, and what the page does when a session can no longer be
+// renewed. The page's cases use the one initializer of the process.
 
 #include "EventBusRecorder.h"
+#include "FastEmulatorFixture.h"
+#include "MessageBoxAnswerer.h"
 #include "OsduEmulatorSettings.h"
+#include "PanelDriver.h"
 #include "TestBrowser.h"
 #include "TestSettings.h"
 
 #include <fast/osdu/OsduFastInitializer.h>
+#include <fast/osdu/SearchInput.h>
+#include <fast/panel/OsduWidget.h>
 
 #include <osdu/OsduAuthProvider.h>
 
+#include <QPushButton>
 #include <QSettings>
 #include <QtTest>
 
@@ -43,6 +50,7 @@ private Q_SLOTS:
     void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted_data();
     void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted();
     void aRenewalThatKeepsTheTokenKeepsItsExpiry();
+    void anEndedSessionIsToldAndConnectSignsInAgain();
 };
 
 void OsduSessionTest::aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted_data()
@@ -109,6 +117,49 @@ void OsduSessionTest::aRenewalThatKeepsTheTokenKeepsItsExpiry()
     QCOMPARE(osdu->issuedTokens().refreshGrants, 1);
     QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), token);
     QCOMPARE(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime(), expiry.addDays(-7));
+}
+
+void OsduSessionTest::anEndedSessionIsToldAndConnectSignsInAgain()
+{
+    FastEmulatorFixture fast;
+    const auto osdu = startOsduEmulator(fast.settings(), {}, 3);
+    // Every use of a token renews it first.
+    osdu->setAccessTokenLifetime(std::chrono::seconds(1));
+    fast::OsduWidget page(fast.client(), fast.projectDir());
+    page.show();
+    const auto provider = OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider();
+    provider->setBrowserOpener(testBrowser());
+    const auto connectAndSearch = [&page, &provider] {
+        QSignalSpy authorized(provider.get(), &osdu::OsduAuthProvider::userAuthorized);
+        QTest::mouseClick(connectButton(page), Qt::LeftButton);
+        return authorized.wait(kLimitMs) && search(page);
+    };
+    const QString ended = "OSDU session ended: The OSDU™ Data Platform session has ended. Press « Connect » to sign "
+                          "in again.";
+
+    const std::vector<std::pair<const char*, std::function<void()>>> endings{
+        {"no refresh token was issued", [&osdu] { osdu->setRefreshTokenOnlyWithConsent(true); }},
+        {"the renewal is refused", [&osdu] { osdu->setTokenFault(emulator::TokenFault::Refuse); }},
+        {"a renewed token is turned away", [&osdu] { osdu->rejectDataRequests(); }},
+    };
+    bool signedIn = false;
+    for (const auto& [how, end] : endings) {
+        MessageBoxAnswerer boxes;
+        end();
+        // The first ending comes with the sign-in itself.
+        QVERIFY2(signedIn ? search(page) : connectAndSearch(), how);
+        QTRY_COMPARE(boxes.summaries(), QStringList(ended));
+        QCOMPARE(resultLabel(page), "No result");
+        QVERIFY2(connectButton(page)->isEnabled(), how);
+
+        osdu->clearFaults();
+        osdu->setRefreshTokenOnlyWithConsent(false);
+        QVERIFY2(connectAndSearch(), how);
+        QCOMPARE(resultLabel(page), "3 result(s) found");
+        QVERIFY(!connectButton(page)->isEnabled());
+        QCOMPARE(boxes.boxes().size(), 1);
+        signedIn = true;
+    }
 }
 
 QTEST_MAIN(OsduSessionTest)

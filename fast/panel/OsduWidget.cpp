@@ -146,6 +146,7 @@ void OsduWidget::onConnect()
     connect(provider, &osdu::OsduAuthProvider::userAuthorized, this, &OsduWidget::userAuthorized, Qt::UniqueConnection);
     connect(provider, &osdu::OsduAuthProvider::error, this, &OsduWidget::authenticationError, Qt::UniqueConnection);
     connect(provider, &osdu::OsduAuthProvider::info, this, &OsduWidget::logAuthInfo, Qt::UniqueConnection);
+    connect(provider, &osdu::OsduAuthProvider::sessionEnded, this, &OsduWidget::sessionEnded, Qt::UniqueConnection);
     try {
         provider->authorizeAsync(OsduFastInitializer::authenticationTimeoutMs());
     } catch (const std::exception& failure) {
@@ -172,6 +173,22 @@ void OsduWidget::userAuthorized()
 {
     m_connectButton->setEnabled(true);
     Q_EMIT enableUI();
+}
+
+void OsduWidget::sessionEnded()
+{
+    if (m_searching)
+        m_sessionEnded = true;
+    else
+        tellSessionEnded();
+}
+
+void OsduWidget::tellSessionEnded()
+{
+    m_sessionEnded = false;
+    m_connectButton->setEnabled(true);
+    warn(this, "OSDU session ended",
+         "The OSDU™ Data Platform session has ended. Press « Connect » to sign in again.");
 }
 
 void OsduWidget::enableSearch()
@@ -232,6 +249,8 @@ void OsduWidget::onSearchDone(const std::shared_ptr<osdu::StorageRecordCollectio
     m_searching = false;
     m_searchInput->setEnabled(true);
     m_searchButton->setEnabled(true);
+    if (m_sessionEnded)
+        tellSessionEnded();
 }
 
 void OsduWidget::showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results)

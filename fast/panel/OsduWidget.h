@@ -37,6 +37,9 @@ public:
     void authenticationError(const QString& message, const QString& details, const QUrl& url);
     void logAuthInfo(const QString& message);
     void userAuthorized();
+    // The platform session can no longer be renewed: once any search under way has ended, the
+    // user is told and Connect signs in again.
+    void sessionEnded();
     void performSearch();
     void onSearchDone(const std::shared_ptr<osdu::StorageRecordCollection>& results);
     void onMountVds(const QString& projectPath, const VdsModel& vdsModel);
@@ -47,6 +50,7 @@ Q_SIGNALS:
 
 private:
     void enableSearch();
+    void tellSessionEnded();
     // The VDS FAST knows, empty (and reported) when the listing cannot be read.
     std::vector<VdsInfo> fastVolumes();
     void showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results);
@@ -62,6 +66,8 @@ private:
     QString m_projectPath;
     // From the search's start to its results: the wait cursor is ours to restore.
     bool m_searching = false;
+    // The session ended during the search under way; told when it is over.
+    bool m_sessionEnded = false;
 };
 
 } // namespace fast

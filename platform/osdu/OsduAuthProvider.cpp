@@ -113,23 +113,43 @@ QDateTime OsduAuthProvider::refreshTokenExpiry() const
 std::string OsduAuthProvider::accessToken()
 {
     State& state = *m_state;
-    // Held through a renewal, so that threads asking at once share one exchange.
-    const std::lock_guard<std::mutex> lock(state.tokenMutex);
-    if (!state.accessToken.empty()
-        && QDateTime::currentDateTimeUtc().addSecs(RenewalMarginSeconds) < state.accessExpiry)
-        return state.accessToken;
-    if (state.refreshToken.empty())
-        throw std::runtime_error("Not signed in to the OSDU platform");
-
-    const TokenGrant grant = requestTokens(
-        AuthorizationSession::refreshRequest(*this, state.refreshToken, state.timeoutMs));
-    if (!grant.ok) {
-        if (grant.refused)
-            state.forget();
-        throw std::runtime_error("Unable to renew the OSDU access token: " + grant.details.toStdString());
+    std::string failure;
+    bool ended = false;
+    {
+        // Held through a renewal, so that threads asking at once share one exchange.
+        const std::lock_guard<std::mutex> lock(state.tokenMutex);
+        if (!state.accessToken.empty()
+            && QDateTime::currentDateTimeUtc().addSecs(RenewalMarginSeconds) < state.accessExpiry)
+            return state.accessToken;
+        if (state.refreshToken.empty()) {
+            failure = "Not signed in to the OSDU platform";
+            ended = true;
+        } else {
+            const TokenGrant grant = requestTokens(
+                AuthorizationSession::refreshRequest(*this, state.refreshToken, state.timeoutMs));
+            if (grant.ok) {
+                state.keep(grant);
+                return state.accessToken;
+            }
+            if (grant.refused)
+                state.forget();
+            failure = "Unable to renew the OSDU access token: " + grant.details.toStdString();
+            ended = grant.refused;
+        }
     }
-    state.keep(grant);
-    return state.accessToken;
+    // Outside the lock: a receiver on this thread may ask for a token again.
+    if (ended)
+        emit sessionEnded();
+    throw std::runtime_error(failure);
+}
+
+void OsduAuthProvider::endSession()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_state->tokenMutex);
+        m_state->forget();
+    }
+    emit sessionEnded();
 }
 
 void OsduAuthProvider::discardAccessToken(const std::string& refused)

@@ -53,7 +53,8 @@ public:
 
     // A valid access token for a request, renewed first (refresh-token grant) when it is about
     // to expire. Blocking; safe from any thread. Throws std::runtime_error, in words a person
-    // understands, when there is none and none can be had.
+    // understands, when there is none and none can be had; when that is for good (no refresh
+    // token, or the server refused it), sessionEnded() follows.
     std::string accessToken();
 
     void setBrowserOpener(BrowserOpener opener);
@@ -62,6 +63,9 @@ Q_SIGNALS:
     void userAuthorized();
     void error(QString message, QString details, QUrl url);
     void info(QString message);
+    // The session can no longer be renewed: only a new sign-in (authorizeAsync) brings one back.
+    // May be emitted from the thread that asked for a token.
+    void sessionEnded();
 
 protected:
     using FormFields = std::vector<std::pair<std::string, std::string>>;
@@ -81,6 +85,8 @@ private:
     // Forgets an access token the platform turned away, unless another thread renewed it
     // meanwhile, so that the next accessToken() renews.
     void discardAccessToken(const std::string& refused);
+    // The platform turned away even a freshly renewed token: the session is over.
+    void endSession();
     std::unique_ptr<State> m_state;
 };
 

@@ -56,9 +56,12 @@ CurlResponse OsduHttpClient::send(bool post, const std::string& path, const std:
         m_session.setTimeoutMs(RequestTimeoutMs);
         response = post ? m_session.post() : m_session.get();
         if (response.statusCode != 401)
-            break;
-        m_auth->discardAccessToken(token);
+            return response;
+        if (attempt == 0)
+            m_auth->discardAccessToken(token);
     }
+    // Turned away with a token just renewed: no renewal will help.
+    m_auth->endSession();
     return response;
 }
 

@@ -348,6 +348,12 @@ void AuthorizationServer::setRefreshTokenLifetime(std::chrono::milliseconds life
     m_config.refreshTokenLifetime = lifetime;
 }
 
+void AuthorizationServer::setRefreshTokenOnlyWithConsent(bool only)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_config.refreshTokenOnlyWithConsent = only;
+}
+
 void AuthorizationServer::setTokenFault(TokenFault fault)
 {
     std::lock_guard<std::mutex> lock(m_mutex);

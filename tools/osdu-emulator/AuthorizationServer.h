@@ -56,6 +56,7 @@ public:
 
     void setAccessTokenLifetime(std::chrono::milliseconds lifetime);
     void setRefreshTokenLifetime(std::chrono::milliseconds lifetime);
+    void setRefreshTokenOnlyWithConsent(bool only);
     void setTokenFault(TokenFault fault);
     IssuedTokens issuedTokens() const;
     std::string lastAuthorizeQuery() const;

@@ -282,6 +282,11 @@ void OsduEmulator::setRefreshTokenLifetime(std::chrono::milliseconds lifetime)
     m_authorization.setRefreshTokenLifetime(lifetime);
 }
 
+void OsduEmulator::setRefreshTokenOnlyWithConsent(bool only)
+{
+    m_authorization.setRefreshTokenOnlyWithConsent(only);
+}
+
 IssuedTokens OsduEmulator::issuedTokens() const
 {
     return m_authorization.issuedTokens();

@@ -104,6 +104,8 @@ public:
     // Apply to tokens issued from now on.
     void setAccessTokenLifetime(std::chrono::milliseconds lifetime);
     void setRefreshTokenLifetime(std::chrono::milliseconds lifetime);
+    // For sign-ins from now on.
+    void setRefreshTokenOnlyWithConsent(bool only);
     IssuedTokens issuedTokens() const;
     std::string lastAuthorizeQuery() const;
 
