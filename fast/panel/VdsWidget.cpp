@@ -21,6 +21,7 @@
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSet>
 #include <QUrl>
 
 #include <algorithm>
@@ -99,23 +100,24 @@ void VdsWidget::init(const QSet<QString>& projectFiles)
     try {
         const auto files = m_fast->getFileList();
         const auto volumes = m_fast->getVdsList();
+        // A volume is listed when one of its files is in the project, by file name, and no volume
+        // listed before it has the same display name. Each name is worked out once: the project
+        // may hold thousands of files, and this runs on the host's GUI thread.
+        QSet<QString> projectFileNames;
+        for (const QString& path : projectFiles)
+            projectFileNames.insert(QFileInfo(path).fileName());
+        QSet<QString> listedNames;
         for (const VdsInfo& info : parseVdsInfos(volumes->getMessage(), files->getMessage())) {
+            const bool inProject = std::any_of(info.files.begin(), info.files.end(), [&](const VdsFile& file) {
+                return projectFileNames.contains(text(file.fileName));
+            });
+            if (!inProject)
+                continue;
             const QString name = displayName(info.url);
-            for (const QString& path : projectFiles) {
-                const QString projectFileName = QFileInfo(path).fileName();
-                const auto listed = [&name, model] {
-                    const QList<VdsModel> records = model->vdsList();
-                    return std::any_of(records.begin(), records.end(),
-                                       [&name](const VdsModel& record) { return record.name == name; });
-                };
-                const bool inProject = std::any_of(info.files.begin(), info.files.end(), [&](const VdsFile& file) {
-                    return text(file.fileName) == projectFileName;
-                });
-                if (inProject && !listed()) {
-                    model->addVds(VdsModel({}, name, {}, {}, info.vdsId, info.url, info.files));
-                    break;
-                }
-            }
+            if (listedNames.contains(name))
+                continue;
+            listedNames.insert(name);
+            model->addVds(VdsModel({}, name, {}, {}, info.vdsId, info.url, info.files));
         }
         m_treeView->refresh();
     } catch (const Poco::JSON::JSONException& failure) {
