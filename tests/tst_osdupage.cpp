@@ -52,12 +52,13 @@ private Q_SLOTS:
     void aFastListingItCannotReadLeavesTheResultsUnregistered_data();
     void aFastListingItCannotReadLeavesTheResultsUnregistered();
     void closingThePageDuringASearchDropsItsResults();
-    void onlyTheFirstThousandHitsAreExamined();
     void aFoundDatasetIsMountedThroughFast();
     void fastRefusingTheRegistrationStopsTheMount();
     void anUnmountedDatasetShowsAsUnregisteredAgain_data();
     void anUnmountedDatasetShowsAsUnregisteredAgain();
     void theDatasetsComeBackWithFastAsFastNowKnowsThem();
+    // Last: it leaves a thousand datasets behind, which every later search would fetch.
+    void onlyTheFirstThousandHitsAreExamined();
 
 private:
     void searchFor(const QString& filter);

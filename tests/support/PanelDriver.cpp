@@ -104,5 +104,5 @@ bool search(const fast::OsduWidget& page)
 {
     QPushButton* button = searchButton(page);
     QTest::mouseClick(button, Qt::LeftButton);
-    return QTest::qWaitFor([button] { return button->isEnabled(); }, 30000);
+    return QTest::qWaitFor([button] { return button->isEnabled(); }, 120000);
 }

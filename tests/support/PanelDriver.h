@@ -25,5 +25,6 @@ QPushButton* connectButton(const fast::OsduWidget& page);
 fast::SearchInput* searchInput(const fast::OsduWidget& page);
 QString resultLabel(const fast::OsduWidget& page);
 QStringList resultNames(const fast::OsduWidget& page);
-// Clicks Search and waits until the search is over; false if it did not end within 30 s.
+// Clicks Search and waits until the search is over; false if it did not end within 2 minutes
+// (a thousand fetches under the sanitizers with both cores busy take a while).
 bool search(const fast::OsduWidget& page);
