@@ -225,14 +225,20 @@ std::shared_ptr<osdu::HttpResponse> Fast::mountFile(const std::string& vdsId, co
 
 std::shared_ptr<osdu::HttpResponse> Fast::deleteFile(const std::string& fileId) const
 {
+    // Without an id the DELETE would name the whole collection of files.
+    if (fileId.empty())
+        return std::make_shared<osdu::HttpResponse>();
     return tracedCall(Method::Delete, m_baseUrl + kApi + "file/" + fileId, DeleteFileCall);
 }
 
 void Fast::unmountVds(const std::string& vdsId, const std::vector<VdsFile>& files) const
 {
-    for (const VdsFile& file : files)
-        tracedCall(Method::Delete, m_baseUrl + kApi + "file/" + file.fileId, UnmountFileCall);
-    tracedCall(Method::Delete, m_baseUrl + kApi + "vds/" + vdsId, UnmountVolumeCall);
+    for (const VdsFile& file : files) {
+        if (!file.fileId.empty())
+            tracedCall(Method::Delete, m_baseUrl + kApi + "file/" + file.fileId, UnmountFileCall);
+    }
+    if (!vdsId.empty())
+        tracedCall(Method::Delete, m_baseUrl + kApi + "vds/" + vdsId, UnmountVolumeCall);
 }
 
 SubvolumeRange Fast::getPluginDescription(const std::string& pluginName, const std::string& vdsId) const

@@ -50,8 +50,9 @@ public:
                                                   const std::string& linkPath, std::int32_t dim0Min,
                                                   std::int32_t dim0Max, std::int32_t dim1Min, std::int32_t dim1Max,
                                                   std::int32_t dim2Min, std::int32_t dim2Max) const;
+    // An empty id sends nothing and answers status 0: the DELETE would name the whole collection.
     std::shared_ptr<osdu::HttpResponse> deleteFile(const std::string& fileId) const;
-    // Deletes each file, whatever the outcome, then the volume itself.
+    // Deletes each file, whatever the outcome, then the volume itself; empty ids are skipped.
     void unmountVds(const std::string& vdsId, const std::vector<VdsFile>& files) const;
     // Throws std::runtime_error "HTTP request failed with status=S, message=BODY" on a status
     // other than 200; parsing errors pass through.

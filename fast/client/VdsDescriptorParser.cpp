@@ -76,6 +76,17 @@ void attachFiles(std::vector<VdsInfo>& infos, const Poco::JSON::Array& fileList)
 
 } // namespace
 
+bool isFastId(const std::string& text)
+{
+    constexpr std::size_t kLongestId = 256;
+    if (text.empty() || text.size() > kLongestId || text == "null" || text == "true" || text == "false")
+        return false;
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_'
+               || c == '.' || c == ':' || c == '~';
+    });
+}
+
 std::vector<VdsInfo> parseVdsInfos(const std::string& vdsListJson, const std::string& fileListJson)
 {
     std::vector<VdsInfo> infos;

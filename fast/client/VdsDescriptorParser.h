@@ -32,6 +32,11 @@ FASTPANEL_EXPORT std::vector<VdsInfo>::iterator findVdsInfo(std::vector<VdsInfo>
 // decimal, an object or array as its JSON text. Empty when json is empty or has no such key.
 FASTPANEL_EXPORT std::string jsonValue(const std::string& key, const std::string& json);
 
+// Whether text, the whole body of FAST's answer to a registration or a mount, can be the id it
+// handed out: one short word of letters, digits and "-_.:~", and no JSON literal. A service
+// that answers anything else has not said which id it gave, whatever its status.
+FASTPANEL_EXPORT bool isFastId(const std::string& text);
+
 // The default extent under properties.subvolume.properties.dimN.properties.{min,max}.default;
 // any missing level leaves the fields below it empty.
 FASTPANEL_EXPORT SubvolumeRange parseSubvolumeRange(const std::string& pluginJson);

@@ -1,6 +1,7 @@
 #include <fast/panel/MountNewVolume.h>
 
 #include <fast/client/Fast.h>
+#include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
 #include <fast/panel/PanelMessages.h>
 
@@ -233,7 +234,15 @@ void MountNewVolume::onSave()
         // No answer to show: the request never made it, as when FAST cannot be reached.
         body = exceptionText(failure);
     }
-    if (status != 200) {
+    // An answer that names no file id, or none that arrived, may still have mounted the file:
+    // FAST's listing says which, so that the page never keeps an id FAST does not know and no
+    // file stays mounted that the page does not know of.
+    if ((status == 200 && !isFastId(fileId)) || status == 0) {
+        fileId = mountedFileId(name.toUtf8().toStdString());
+        if (!fileId.empty())
+            status = 200;
+    }
+    if (status != 200 || fileId.empty()) {
         showMountError(link.completeBaseName(), status, body);
         MDEventBus::sendMessage(1,
                                 QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : %1 : %2")
@@ -266,6 +275,24 @@ void MountNewVolume::onSave()
         [this, renamed, fileId, fileName] { onRenameFinished(*renamed, fileId, fileName); }, Qt::QueuedConnection);
     connect(renamer, &QThread::finished, renamer, &QObject::deleteLater);
     renamer->start(QThread::InheritPriority);
+}
+
+std::string MountNewVolume::mountedFileId(const std::string& name) const
+{
+    std::string fileId;
+    quietly([&] {
+        const auto files = m_fast->getFileList();
+        const auto volumes = m_fast->getVdsList();
+        for (const VdsInfo& info : parseVdsInfos(volumes->getMessage(), files->getMessage())) {
+            if (info.vdsId != m_vdsId)
+                continue;
+            for (const VdsFile& file : info.files) {
+                if (file.fileName == name)
+                    fileId = file.fileId;
+            }
+        }
+    });
+    return fileId;
 }
 
 void MountNewVolume::onRenameFinished(bool renamed, const std::string& fileId, const QString& fileName)

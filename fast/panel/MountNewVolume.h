@@ -53,6 +53,8 @@ private:
     void applyRange(const SubvolumeRange& range);
     void onFileNameEdited();
     void onSave();
+    // The id FAST lists for the file name mounted from this volume; empty when it lists none.
+    std::string mountedFileId(const std::string& name) const;
     void onRenameFinished(bool renamed, const std::string& fileId, const QString& fileName);
     void showMountError(const QString& fileName, int status, const QString& body);
 

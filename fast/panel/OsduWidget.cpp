@@ -294,13 +294,25 @@ void OsduWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel
             QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception while parsing JSON to get volume "
                     "data from VDS: %3")
                 .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
+        forgetRegistration(vdsModel, vdsId);
         warnMountFailed(this);
     } catch (const std::exception& failure) {
         trace(QString("FAST OSDU onMountVds exception %1").arg(302));
         error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception : %3")
                   .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
+        forgetRegistration(vdsModel, vdsId);
         warnMountFailed(this);
     }
+}
+
+void OsduWidget::forgetRegistration(const VdsModel& vdsModel, const std::string& vdsId)
+{
+    // Only a registration this mount made is undone; a dataset FAST knew before stays known.
+    if (!vdsModel.vdsId.empty() || vdsId.empty())
+        return;
+    quietly([&] { m_fast->unmountVds(vdsId, {}); });
+    m_osduTree->model()->setVdsIdForUrl(vdsModel.url, {});
+    m_osduTree->refresh();
 }
 
 void OsduWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId)

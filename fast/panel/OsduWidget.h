@@ -55,6 +55,9 @@ private:
     std::vector<VdsInfo> fastVolumes();
     void showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results);
     void openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId);
+    // After a failed mount: unregisters what this mount registered, and shows the dataset
+    // unregistered again.
+    void forgetRegistration(const VdsModel& vdsModel, const std::string& vdsId);
 
     OsduTreeView* m_osduTree = nullptr;
     QLabel* m_resultLabel = nullptr;

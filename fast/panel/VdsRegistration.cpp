@@ -1,6 +1,7 @@
 #include <fast/panel/VdsRegistration.h>
 
 #include <fast/client/Fast.h>
+#include <fast/client/VdsDescriptorParser.h>
 #include <fast/panel/PanelMessages.h>
 
 #include <osdu/HttpResponse.h>
@@ -21,12 +22,21 @@ std::string registerVdsInFast(const Fast& fast, const std::string& url)
     const auto response = fast.registerVds(url);
     const int status = response->getResponse();
     const QString where = text(url);
-    if (status == 200 && !response->getMessage().empty()) {
+    if (status == 200 && isFastId(response->getMessage())) {
         information(QString("Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.")
                         .arg(where, text(response->getMessage())));
         return response->getMessage();
     }
-    if (status == 200)
+    // An answer that names no id, or none that arrived, may still have registered the volume:
+    // FAST's own listing says, so that nothing stays registered that the page does not know of.
+    if (status == 200 || status == 0) {
+        if (const std::optional<VdsInfo> known = fast.findVdsByUrl(url); known && !known->vdsId.empty()) {
+            information(QString("Successfully registered VDS (url=%1) in Bluware FAST™ with id=%2.")
+                            .arg(where, text(known->vdsId)));
+            return known->vdsId;
+        }
+    }
+    if (status == 200 && response->getMessage().empty())
         information(QString("Unable to register VDS (url=%1) in Bluware FAST™ with empty id!").arg(where));
     else if (status == 405) // the service's answer to parameters it cannot take
         information(QString("Unable to register VDS (url=%1) in Bluware FAST™: invalid parameters.").arg(where));
