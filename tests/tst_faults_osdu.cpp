@@ -257,6 +257,8 @@ void FaultsOsduTest::aTokenRevokedInTheMiddleOfASearch()
         QVERIFY(authorized.wait(kSignInLimitMs));
     }
     provider->accessToken(); // a fresh one: the search starts signed in whatever came before
+    // Which fetches the server still answers depends on their order: one at a time here.
+    m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", "1");
     m_osdu->rejectDataRequests(OsduEmulator::kEveryRequest, 1 + kFetched); // the query, then the first fetches
     if (sessionRevoked)
         m_osdu->setTokenFault(emulator::TokenFault::Refuse);

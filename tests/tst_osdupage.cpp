@@ -49,6 +49,7 @@ private Q_SLOTS:
     void searchFiltersByNameDescriptionAndId();
     void returnRunsWhatTheSearchButtonRuns();
     void platformTextsAreReadAsUtf8OnAnyMachine();
+    void fetchesAtOnceTellWhatOneAtATimeTells();
     void aFastListingItCannotReadLeavesTheResultsUnregistered_data();
     void aFastListingItCannotReadLeavesTheResultsUnregistered();
     void closingThePageDuringASearchDropsItsResults();
@@ -188,6 +189,25 @@ void OsduPageTest::platformTextsAreReadAsUtf8OnAnyMachine()
     QTextCodec::setCodecForLocale(local);
     QCOMPARE(resultNames(*m_page), QStringList{"Nordsjø Ålesund 北海"});
     QCOMPARE(m_page->treeView()->model()->vdsAt(0)->description, "Tiefe für Öl");
+}
+
+void OsduPageTest::fetchesAtOnceTellWhatOneAtATimeTells()
+{
+    m_osdu->failRecordFetch(m_osdu->seededDatasetId(2));
+    m_osdu->failRecordFetch(m_osdu->seededDatasetId(4));
+    const auto searchWith = [this](const char* concurrency) {
+        m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", concurrency);
+        EventBusRecorder bus;
+        searchFor("");
+        return std::make_pair(resultNames(*m_page), bus.texts(Trace).filter(QRegularExpression("^(About|Unable|FAST)")));
+    };
+    const auto oneAtATime = searchWith("1");
+    const auto atOnce = searchWith("16");
+    m_fast->settings().remove("AWS", "OSDU_FETCH_CONCURRENCY");
+    m_osdu->clearFaults();
+    QCOMPARE(atOnce.first, oneAtATime.first);
+    QCOMPARE(atOnce.second, oneAtATime.second);
+    QCOMPARE(atOnce.second.filter("Unable to query the record").size(), 2);
 }
 
 void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered_data()

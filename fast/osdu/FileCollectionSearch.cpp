@@ -9,7 +9,13 @@
 #include <osdu/Storage.h>
 #include <osdu/StorageRecordFactory.h>
 
+#include <QStringList>
+
 #include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 namespace fast {
 
@@ -18,6 +24,9 @@ namespace {
 const std::string kRegisteredKind = "osdu:wks:dataset--FileCollection*:1.0.0";
 const std::string kSearchedKind = "osdu:wks:dataset--FileCollection.Bluware.*:1.0.0";
 constexpr int kHitLimit = 1000;
+constexpr std::size_t kDefaultFetches = 16;
+// More would only queue at the platform; it also bounds the threads a setting can ask for.
+constexpr int kMostFetchesAtOnce = 64;
 
 QString text(const std::string& utf8)
 {
@@ -58,31 +67,94 @@ public:
             query.limit = kHitLimit;
             hits = m_search->query(query, partition);
         } catch (const std::exception& failure) {
-            reportFailure("", partition, failure);
+            trace(QString("FAST FileCollectionSearch performSearch exception %1").arg(97));
+            trace(failureLine("", partition, failure));
         }
-        for (const osdu::SearchHit& hit : hits) {
-            trace(QString("About to query the record with id=%1 in partition=%2").arg(text(hit.id), text(partition)));
-            try {
-                for (const auto& record : m_storage->getRecords(partition, {hit.id})) {
-                    const auto* collection = dynamic_cast<const osdu::FileCollection*>(record.get());
-                    if (collection && matches(*collection, filter))
-                        results->push_back(record);
-                }
-            } catch (const std::exception& failure) {
-                reportFailure(hit.id, partition, failure);
-            }
-        }
+        HitOutcomes outcomes(hits.size());
+        const std::size_t workers = std::min(hits.size(), fetchConcurrency(settingsGroup));
+        // One fetch per hit, several in flight at once; what each hit tells the log goes out in
+        // hit order all the same, as the outcomes before it are known.
+        std::atomic<std::size_t> nextHit{0};
+        const auto work = [&] {
+            for (std::size_t i = nextHit++; i < hits.size(); i = nextHit++)
+                outcomes.publish(i, fetch(hits[i], partition, filter));
+        };
+        std::vector<std::thread> threads;
+        threads.reserve(workers > 1 ? workers : 0);
+        for (std::size_t t = 0; workers > 1 && t < workers; ++t)
+            threads.emplace_back(work);
+        if (workers <= 1)
+            work();
+        for (std::thread& thread : threads)
+            thread.join();
+        for (HitOutcome& outcome : outcomes.all())
+            results->insert(results->end(), outcome.matches.begin(), outcome.matches.end());
         onResults(results);
     }
 
 private:
-    static void reportFailure(const std::string& id, const std::string& partition, const std::exception& failure)
+    struct HitOutcome
     {
-        trace(QString("FAST FileCollectionSearch performSearch exception %1").arg(97));
-        trace(QString("Unable to query the record with id=%1 in partition=%2: %3")
-                  .arg(text(id), text(partition), QString::fromUtf8(failure.what())));
+        QStringList lines;
+        osdu::StorageRecordCollection matches;
+    };
+
+    // The outcomes by hit, and the log lines sent in hit order as soon as they can be.
+    class HitOutcomes
+    {
+    public:
+        explicit HitOutcomes(std::size_t count) : m_outcomes(count), m_done(count, false) {}
+        void publish(std::size_t hit, HitOutcome outcome)
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_outcomes[hit] = std::move(outcome);
+            m_done[hit] = true;
+            for (; m_nextToLog < m_outcomes.size() && m_done[m_nextToLog]; ++m_nextToLog) {
+                for (const QString& line : m_outcomes[m_nextToLog].lines)
+                    trace(line);
+            }
+        }
+        std::vector<HitOutcome>& all() { return m_outcomes; }
+
+    private:
+        std::mutex m_mutex;
+        std::vector<HitOutcome> m_outcomes;
+        std::vector<bool> m_done;
+        std::size_t m_nextToLog = 0;
+    };
+
+    HitOutcome fetch(const osdu::SearchHit& hit, const std::string& partition, const std::string& filter) const
+    {
+        HitOutcome outcome;
+        outcome.lines << QString("About to query the record with id=%1 in partition=%2").arg(text(hit.id), text(partition));
+        try {
+            for (const auto& record : m_storage->getRecords(partition, {hit.id})) {
+                const auto* collection = dynamic_cast<const osdu::FileCollection*>(record.get());
+                if (collection && matches(*collection, filter))
+                    outcome.matches.push_back(record);
+            }
+        } catch (const std::exception& failure) {
+            outcome.lines << QString("FAST FileCollectionSearch performSearch exception %1").arg(97)
+                          << failureLine(hit.id, partition, failure);
+        }
+        return outcome;
     }
 
+    static std::size_t fetchConcurrency(const std::string& settingsGroup)
+    {
+        const std::string setting = osdu::getSettingValue(settingsGroup, OSDU_FETCH_CONCURRENCY, "");
+        bool ok = false;
+        const int wanted = QString::fromStdString(setting).toInt(&ok);
+        return ok && wanted >= 1 ? static_cast<std::size_t>(std::min(wanted, kMostFetchesAtOnce)) : kDefaultFetches;
+    }
+
+    static QString failureLine(const std::string& id, const std::string& partition, const std::exception& failure)
+    {
+        return QString("Unable to query the record with id=%1 in partition=%2: %3")
+            .arg(text(id), text(partition), QString::fromUtf8(failure.what()));
+    }
+
+private:
     std::shared_ptr<osdu::OsduHttpClient> m_client;
     std::shared_ptr<osdu::Search> m_search;
     std::shared_ptr<osdu::Storage> m_storage;

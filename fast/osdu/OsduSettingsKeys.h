@@ -21,6 +21,8 @@ FASTPANEL_EXPORT extern const std::string OSDU_RESOURCE;
 FASTPANEL_EXPORT extern const std::string OSDU_BASE_URL;
 // The authorization request's prompt; empty (the default) sends none.
 FASTPANEL_EXPORT extern const std::string OSDU_PROMPT;
+// Storage fetches in flight at once during a search (default 16; 1 fetches one at a time).
+FASTPANEL_EXPORT extern const std::string OSDU_FETCH_CONCURRENCY;
 FASTPANEL_EXPORT extern const std::string OSDU_DATA_PARTITION_ID;
 // Group "FAST": seconds allowed for each sign-in exchange.
 FASTPANEL_EXPORT extern const std::string OSDU_AUTHENTICATION_TIMEOUT;

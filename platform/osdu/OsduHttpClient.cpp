@@ -42,27 +42,54 @@ CurlResponse OsduHttpClient::send(bool post, const std::string& path, const std:
     // Checked before the token is asked for: nothing goes out, not even a name lookup.
     if (!usesSafeTransport(m_baseUrl))
         throw std::runtime_error(unsafeTransportMessage("OSDU_BASE_URL"));
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::unique_ptr<CurlSession> session = takeSession();
     CurlResponse response;
-    // A token can be revoked or cut short before its stated expiry: one renewal and retry.
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        const std::string token = m_auth->accessToken();
-        m_session.setUrl(m_baseUrl + path);
-        m_session.setHeaders({{"Authorization", "Bearer " + token},
-                              {"data-partition-id", partition},
-                              {"Content-Type", "application/json"},
-                              {"Accept", "application/json"}});
-        m_session.setBody(body);
-        m_session.setTimeoutMs(RequestTimeoutMs);
-        response = post ? m_session.post() : m_session.get();
-        if (response.statusCode != 401)
-            return response;
-        if (attempt == 0)
-            m_auth->discardAccessToken(token);
+    try {
+        // A token can be revoked or cut short before its stated expiry: one renewal and retry.
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            const std::string token = m_auth->accessToken();
+            session->setUrl(m_baseUrl + path);
+            session->setHeaders({{"Authorization", "Bearer " + token},
+                                 {"data-partition-id", partition},
+                                 {"Content-Type", "application/json"},
+                                 {"Accept", "application/json"}});
+            session->setBody(body);
+            session->setTimeoutMs(RequestTimeoutMs);
+            response = post ? session->post() : session->get();
+            if (response.statusCode != 401) {
+                giveBack(std::move(session));
+                return response;
+            }
+            if (attempt == 0)
+                m_auth->discardAccessToken(token);
+        }
+    } catch (...) {
+        giveBack(std::move(session));
+        throw;
     }
+    giveBack(std::move(session));
     // Turned away with a token just renewed: no renewal will help.
     m_auth->endSession();
     return response;
+}
+
+std::unique_ptr<CurlSession> OsduHttpClient::takeSession()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_idleSessions.empty()) {
+            std::unique_ptr<CurlSession> session = std::move(m_idleSessions.back());
+            m_idleSessions.pop_back();
+            return session;
+        }
+    }
+    return std::make_unique<CurlSession>();
+}
+
+void OsduHttpClient::giveBack(std::unique_ptr<CurlSession> session)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_idleSessions.push_back(std::move(session));
 }
 
 } // namespace osdu

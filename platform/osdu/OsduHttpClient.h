@@ -8,14 +8,15 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace osdu {
 
 class OsduAuthProvider;
 
 // Talks JSON to one OSDU platform: bearer token from the provider, data-partition-id, TLS
-// always verified, proxies from the environment, one connection kept alive between requests.
-// Requests from several threads take turns.
+// always verified, proxies from the environment. Requests from several threads run at once,
+// each over a connection of its own that is kept alive for the next request.
 class OSDU_EXPORT OsduHttpClient : public QObject
 {
     Q_OBJECT
@@ -32,11 +33,14 @@ public:
 
 private:
     CurlResponse send(bool post, const std::string& path, const std::string& body, const std::string& partition);
+    // A session no other request is using, with its connection kept alive when it has one.
+    std::unique_ptr<CurlSession> takeSession();
+    void giveBack(std::unique_ptr<CurlSession> session);
 
     std::string m_baseUrl;
     std::shared_ptr<OsduAuthProvider> m_auth;
     std::mutex m_mutex;
-    CurlSession m_session;
+    std::vector<std::unique_ptr<CurlSession>> m_idleSessions;
 };
 
 } // namespace osdu

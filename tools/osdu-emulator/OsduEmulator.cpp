@@ -131,7 +131,7 @@ OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
                        std::chrono::seconds(m_options.refreshTokenSeconds), m_options.announceRefreshTokenLifetime,
                        m_options.issuedPrefix, m_options.tokenType, m_options.refreshTokenOnlyWithConsent,
                        m_options.rotateRefreshTokens}),
-      m_records(m_options.partition), m_http(m_options.port)
+      m_records(m_options.partition), m_http(m_options.port), m_latencyMs(m_options.latencyMs)
 {
 }
 
@@ -254,6 +254,12 @@ void OsduEmulator::rejectDataRequests(int count, int servedFirst)
 void OsduEmulator::setTokenFault(TokenFault fault)
 {
     m_authorization.setTokenFault(fault);
+}
+
+void OsduEmulator::setLatency(int latencyMs)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_latencyMs = latencyMs;
 }
 
 void OsduEmulator::setDelay(const std::string& pathPrefix, int delayMs)
@@ -383,7 +389,7 @@ int OsduEmulator::delayFor(const std::string& path) const
             delayMs = delay.second;
         }
     }
-    return delayMs;
+    return delayMs + m_latencyMs;
 }
 
 } // namespace emulator

@@ -37,6 +37,8 @@ struct OsduEmulatorOptions
     bool refreshTokenOnlyWithConsent = false;
     // false: refresh grants keep the refresh token and answer without a new one.
     bool rotateRefreshTokens = true;
+    // Added to every request's answer, as setLatency().
+    int latencyMs = 0;
 };
 
 // One request as the emulator received it, with the headers a client is judged by.
@@ -99,6 +101,8 @@ public:
     void setTokenFault(TokenFault fault);
     // Requests whose path begins with pathPrefix wait this long; the longest prefix wins.
     void setDelay(const std::string& pathPrefix, int delayMs);
+    // Every request waits this much longer, as over a network far away; clearFaults() keeps it.
+    void setLatency(int latencyMs);
     void clearFaults();
 
     // Apply to tokens issued from now on.
@@ -126,6 +130,7 @@ private:
     mutable std::mutex m_mutex;
     std::vector<OsduRequest> m_requests;
     std::map<std::string, int> m_delays;
+    int m_latencyMs = 0;
     int m_rejections = 0;
     int m_servedBeforeRejecting = 0;
     int m_seeded = 0;

@@ -16,7 +16,7 @@ namespace {
 
 const char* const kUsage =
     "Usage: osdu-emulator [--port N] [--datasets N] [--partition P] [--client-id ID] [--client-secret S]\n"
-    "                     [--access-ttl SECONDS] [--refresh-ttl SECONDS] [--seed-prefix URL]\n"
+    "                     [--access-ttl SECONDS] [--refresh-ttl SECONDS] [--latency-ms N] [--seed-prefix URL]\n"
     "\n"
     "Serves OAuth 2.0 (/oauth2/authorize, /oauth2/token), Search v2 (/api/search/v2/query) and\n"
     "Storage v2 (/api/storage/v2/...) on 127.0.0.1:N until interrupted.\n"
@@ -27,6 +27,7 @@ const char* const kUsage =
     "  --client-secret S      its secret (default fast-panel-secret); \"\" makes it a public client\n"
     "  --access-ttl SECONDS   access token lifetime (default 3600)\n"
     "  --refresh-ttl SECONDS  refresh token lifetime (default 86400)\n"
+    "  --latency-ms N         added to every answer, as over a network far away (default 0)\n"
     "  --seed-prefix URL      where the seeded FileCollectionPaths begin\n"
     "                         (default s3://fast-demo-bucket/volumes/)\n"
     "  --help                 this text\n";
@@ -59,6 +60,8 @@ Arguments parse(int argc, char** argv)
             options.accessTokenSeconds = static_cast<int>(line.number(1, 100000000));
         } else if (option == "--refresh-ttl") {
             options.refreshTokenSeconds = static_cast<int>(line.number(1, 100000000));
+        } else if (option == "--latency-ms") {
+            options.latencyMs = static_cast<int>(line.number(0, 60000));
         } else if (option == "--seed-prefix") {
             arguments.seedPrefix = line.value();
         } else {
