@@ -50,6 +50,7 @@ private Q_SLOTS:
     void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted_data();
     void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted();
     void aRenewalThatKeepsTheTokenKeepsItsExpiry();
+    void aTokenRotatedByARenewalIsKeptForTheNextRun();
     void anEndedSessionIsToldAndConnectSignsInAgain();
 };
 
@@ -117,6 +118,33 @@ void OsduSessionTest::aRenewalThatKeepsTheTokenKeepsItsExpiry()
     QCOMPARE(osdu->issuedTokens().refreshGrants, 1);
     QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), token);
     QCOMPARE(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime(), expiry.addDays(-7));
+}
+
+void OsduSessionTest::aTokenRotatedByARenewalIsKeptForTheNextRun()
+{
+    TestSettings settings;
+    const auto osdu = startOsduEmulator(settings, {}, 0);
+    // The token signed in with is already due for renewal at its first use.
+    osdu->setAccessTokenLifetime(std::chrono::seconds(1));
+    {
+        OsduFastInitializer first(OsduFastInitializer::AWS);
+        QVERIFY(signIn(first));
+        const QString signedIn = stored("OSDU_REFRESH_TOKEN").toString();
+        // As a search's request does, on a thread of its own.
+        std::unique_ptr<QThread> search(QThread::create([&first] { first.authProvider()->accessToken(); }));
+        search->start();
+        QVERIFY(search->wait(kLimitMs));
+        QTRY_VERIFY(stored("OSDU_REFRESH_TOKEN").toString() != signedIn);
+        QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), first.authProvider()->refreshToken());
+    }
+    // The rotated-out token is dead: only the kept one signs the next run in without a browser.
+    OsduFastInitializer later(OsduFastInitializer::AWS);
+    bool opened = false;
+    later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
+    QSignalSpy authorized(later.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
+    QVERIFY(later.authProvider()->authorizeAsync(kLimitMs) && authorized.wait(kLimitMs));
+    QVERIFY(!opened);
+    QCOMPARE(osdu->issuedTokens().refreshGrants, 2);
 }
 
 void OsduSessionTest::anEndedSessionIsToldAndConnectSignsInAgain()

@@ -113,6 +113,9 @@ OsduFastInitializer::OsduFastInitializer(eCloudProvider provider)
         m_initialized = true;
         connect(m_authProvider.get(), &osdu::OsduAuthProvider::userAuthorized, this,
                 [this, group] { storeRefreshToken(group); });
+        // A token rotated while searching is the one the next run needs.
+        connect(m_authProvider.get(), &osdu::OsduAuthProvider::refreshTokenRenewed, this,
+                [this, group] { storeRefreshToken(group); });
     } else {
         m_initialized = false;
         m_lastError = "Please specify all required initialization parameters in Korvane settings.";

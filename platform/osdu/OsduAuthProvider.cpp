@@ -115,6 +115,7 @@ std::string OsduAuthProvider::accessToken()
     State& state = *m_state;
     std::string failure;
     bool ended = false;
+    std::string renewed;
     {
         // Held through a renewal, so that threads asking at once share one exchange.
         const std::lock_guard<std::mutex> lock(state.tokenMutex);
@@ -128,8 +129,11 @@ std::string OsduAuthProvider::accessToken()
             const TokenGrant grant = requestTokens(
                 AuthorizationSession::refreshRequest(*this, state.refreshToken, state.timeoutMs));
             if (grant.ok) {
+                const bool refreshChanged = !grant.refreshToken.empty() || grant.refreshExpiry.isValid();
                 state.keep(grant);
-                return state.accessToken;
+                renewed = state.accessToken;
+                if (!refreshChanged)
+                    return renewed;
             }
             if (grant.refused)
                 state.forget();
@@ -138,6 +142,10 @@ std::string OsduAuthProvider::accessToken()
         }
     }
     // Outside the lock: a receiver on this thread may ask for a token again.
+    if (!renewed.empty()) {
+        emit refreshTokenRenewed();
+        return renewed;
+    }
     if (ended)
         emit sessionEnded();
     throw std::runtime_error(failure);
