@@ -1,5 +1,7 @@
 #include "OsduEmulator.h"
 
+#include "UserinfoCheck.h"
+
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
 #include <Poco/Net/HTTPRequestHandler.h>
@@ -367,7 +369,9 @@ std::optional<OsduReply> OsduEmulator::refuseAccess(const OsduRequest& request)
     const std::string scheme = "bearer ";
     if (Poco::toLower(request.authorization.substr(0, scheme.size())) != scheme)
         return unauthorized("An access token is required", "Bearer realm=\"osdu\"");
-    if (!m_authorization.isValidAccessToken(Poco::trim(request.authorization.substr(scheme.size()))))
+    const std::string token = Poco::trim(request.authorization.substr(scheme.size()));
+    if (m_options.userinfoUrl.empty() ? !m_authorization.isValidAccessToken(token)
+                                      : !acceptedByUserinfo(m_options.userinfoUrl, token))
         return unauthorized("The access token is invalid or expired", "Bearer error=\"invalid_token\"");
     if (request.dataPartitionId.empty())
         return osduError(400, "Bad Request", "The data-partition-id header is missing");

@@ -39,6 +39,10 @@ struct OsduEmulatorOptions
     bool rotateRefreshTokens = true;
     // Added to every request's answer, as setLatency().
     int latencyMs = 0;
+    // When set, the data is guarded by another authorization server: an access token is valid
+    // when that server's userinfo endpoint (this URL) accepts it, and the emulator's own tokens
+    // are not.
+    std::string userinfoUrl;
 };
 
 // One request as the emulator received it, with the headers a client is judged by.
