@@ -81,7 +81,7 @@ int main(int argc, char** argv)
 {
     return runWithRatios(argc, argv,
                          {{"parseVdsInfos / POCO parse, 1,000 x 10,000", "parseVdsInfos/1000/10000",
-                           "pocoParseOnly/1000/10000", 1.5},
+                           "pocoParseOnly/1000/10000", 1.3},
                           {"parseVdsInfos / POCO parse, 10,000 x 100,000", "parseVdsInfos/10000/100000",
-                           "pocoParseOnly/10000/100000", 1.5}});
+                           "pocoParseOnly/10000/100000", 1.3}});
 }

@@ -1,5 +1,8 @@
 #include <fast/client/VdsDescriptorParser.h>
 
+#include "ListingReader.h"
+
+#include <Poco/Exception.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/JSONException.h>
 #include <Poco/JSON/Parser.h>
@@ -27,18 +30,32 @@ Poco::Dynamic::Var parseJson(const std::string& json)
     }
 }
 
-Poco::JSON::Array::Ptr parseArray(const std::string& json)
+// The field's text as the document's value converts to it: a JSON null cannot be.
+const std::string& text(const ListingField& field)
 {
-    return parseJson(json).extract<Poco::JSON::Array::Ptr>();
+    if (field.state == ListingField::Null)
+        Poco::Dynamic::Var().convert<std::string>();
+    return field.text;
 }
 
-// The value's text, or nothing when the object lacks the key.
-bool readText(const Poco::JSON::Object& object, const std::string& key, std::string& text)
+// An element that is not an object was read through a null object pointer.
+void requireObject(const ListingEntry& entry)
 {
-    if (!object.has(key))
-        return false;
-    text = object.get(key).convert<std::string>();
-    return true;
+    if (!entry.isObject)
+        throw Poco::NullPointerException();
+}
+
+std::vector<VdsInfo> readVolumes(const std::string& vdsListJson)
+{
+    std::vector<VdsInfo> infos;
+    readListing(vdsListJson, {"id", "url"}, [&infos](const ListingEntry& entry) {
+        requireObject(entry);
+        VdsInfo info;
+        info.vdsId = text(entry.fields[0]);
+        info.url = text(entry.fields[1]);
+        infos.push_back(std::move(info));
+    });
+    return infos;
 }
 
 // First record per id, as findVdsInfo would find it, without a scan per file.
@@ -51,27 +68,27 @@ std::unordered_map<std::string, std::size_t> indexById(const std::vector<VdsInfo
     return index;
 }
 
-void attachFiles(std::vector<VdsInfo>& infos, const Poco::JSON::Array& fileList)
+// Files of no listed volume, or without an id or a path, are skipped.
+void attachFiles(std::vector<VdsInfo>& infos, const std::string& fileListJson)
 {
     const auto index = indexById(infos);
-    const std::size_t count = fileList.size();
-    std::string vdsId;
-    for (std::size_t i = 0; i < count; ++i) {
-        const Poco::JSON::Object::Ptr entry = fileList.getObject(static_cast<unsigned>(i));
-        if (!readText(*entry, "vdsId", vdsId))
-            continue;
-        const auto owner = index.find(vdsId);
-        if (owner == index.end())
-            continue;
+    readListing(fileListJson, {"vdsId", "id", "path"}, [&infos, &index](const ListingEntry& entry) {
+        requireObject(entry);
+        const ListingField& vdsId = entry.fields[0];
+        if (vdsId.state == ListingField::Absent)
+            return;
+        const auto owner = index.find(text(vdsId));
+        if (owner == index.end() || entry.fields[1].state == ListingField::Absent)
+            return;
         VdsFile file;
-        std::string path;
-        if (!readText(*entry, "id", file.fileId) || !entry->has("path"))
-            continue;
-        path = entry->get("path").convert<std::string>();
+        file.fileId = text(entry.fields[1]);
+        if (entry.fields[2].state == ListingField::Absent)
+            return;
+        const std::string& path = text(entry.fields[2]);
         if (!path.empty())
             file.fileName = path.substr(1);
         infos[owner->second].files.push_back(std::move(file));
-    }
+    });
 }
 
 } // namespace
@@ -89,24 +106,11 @@ bool isFastId(const std::string& text)
 
 std::vector<VdsInfo> parseVdsInfos(const std::string& vdsListJson, const std::string& fileListJson)
 {
-    std::vector<VdsInfo> infos;
     if (isAbsentListing(vdsListJson))
-        return infos;
-
-    const Poco::JSON::Array::Ptr vdsList = parseArray(vdsListJson);
-    const std::size_t count = vdsList->size();
-    infos.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const Poco::JSON::Object::Ptr entry = vdsList->getObject(static_cast<unsigned>(i));
-        VdsInfo info;
-        readText(*entry, "id", info.vdsId);
-        readText(*entry, "url", info.url);
-        infos.push_back(std::move(info));
-    }
-
-    if (isAbsentListing(fileListJson))
-        return infos;
-    attachFiles(infos, *parseArray(fileListJson));
+        return {};
+    std::vector<VdsInfo> infos = readVolumes(vdsListJson);
+    if (!isAbsentListing(fileListJson))
+        attachFiles(infos, fileListJson);
     return infos;
 }
 
