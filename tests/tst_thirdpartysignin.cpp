@@ -96,13 +96,12 @@ void ThirdPartySignInTest::configure(TestSettings& settings, OsduFastInitializer
     settings.set(group, "OSDU_DATA_PARTITION_ID", QStringLiteral("opendes"));
 }
 
-int ThirdPartySignInTest::datasetsFound(OsduFastInitializer& initializer,
-                                        OsduFastInitializer::eCloudProvider provider)
+int ThirdPartySignInTest::datasetsFound(OsduFastInitializer& initializer, OsduFastInitializer::eCloudProvider provider)
 {
     const auto client = std::make_shared<osdu::OsduHttpClient>(m_osdu->baseUrl(), initializer.authProvider());
     int found = -1;
-    fast::createFileCollectionSearch(client)->performSearch(
-        groupOf(provider), "", [&found](std::shared_ptr<osdu::StorageRecordCollection> results) {
+    fast::createFileCollectionSearch(client)
+        ->performSearch(groupOf(provider), "", [&found](std::shared_ptr<osdu::StorageRecordCollection> results) {
             found = results ? static_cast<int>(results->size()) : -1;
         });
     return found;

@@ -33,6 +33,8 @@ public:
         m_entry.fields.resize(keys.size());
     }
 
+    // After the parse: what reading the document would have thrown. A root object fails where
+    // the document's root is taken for an array, with that very exception.
     void finish() const
     {
         if (m_rootIsObject)
@@ -84,7 +86,7 @@ public:
     void value(bool b) override { scalar(b); }
 
 private:
-    template <typename T>
+    template<typename T>
     void scalar(const T& v)
     {
         if (m_nested)
