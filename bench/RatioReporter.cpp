@@ -1,5 +1,7 @@
 #include "RatioReporter.h"
 
+#include <algorithm>
+
 #include "BenchSummary.h"
 
 #include <cstdio>
@@ -13,9 +15,10 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs)
     for (const Run& run : runs) {
         if (run.iterations == 0)
             continue;
-        // Ratios name benchmarks without the options that the run appends ("/min_time:2.000").
+        // Ratios name benchmarks without the options that the run appends ("/min_time:2.000",
+        // "/iterations:3"); arguments ("/1000") stay.
         std::string name = run.benchmark_name();
-        name = name.substr(0, name.find("/min_time:"));
+        name = name.substr(0, std::min(name.find("/min_time:"), name.find("/iterations:")));
         m_secondsPerIteration[name] = run.real_accumulated_time / static_cast<double>(run.iterations);
     }
     ConsoleReporter::ReportRuns(runs);

@@ -15,6 +15,12 @@
 
 namespace emulator {
 
+namespace {
+
+constexpr int kMostConnections = 80;
+
+} // namespace
+
 void sendBody(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response, const std::string& body,
               Delivery delivery)
 {
@@ -65,10 +71,12 @@ void LoopbackHttpServer::start(Poco::Net::HTTPRequestHandlerFactory* factory)
     m_port = socket.address().port();
 
     auto params = new Poco::Net::HTTPServerParams;
-    params->setMaxThreads(16);
+    // One thread per open connection: a client keeps its idle connections alive (the OSDU search
+    // up to 64 of them), and a connection beyond the threads waits for one to close.
+    params->setMaxThreads(kMostConnections);
     params->setMaxQueued(256);
     params->setKeepAlive(true);
-    m_threads = std::make_unique<Poco::ThreadPool>(2, 16);
+    m_threads = std::make_unique<Poco::ThreadPool>(2, kMostConnections);
     m_server = std::make_unique<Poco::Net::HTTPServer>(handlers, *m_threads, socket, params);
     {
         std::lock_guard<std::mutex> lock(m_mutex);
