@@ -1,9 +1,9 @@
-// How long an OSDU session lasts: what is kept for the next run when the server issues a refresh
-// token, does not issue one, or keeps the one it issued, the prompt that makes a strict OpenID
-// Connect server issue one at all, and what the page does when a session can no longer be
-// renewed. The page's cases use the one initializer of the process.
+// How long an OSDU session lasts against the emulator, which can misbehave on purpose: what is
+// kept for the next run when a renewal keeps or rotates the refresh token, and what the page does
+// when a session can no longer be renewed. The prompt that makes a strict server issue a refresh
+// token at all is tested against a third-party server (tst_thirdpartysignin). The page's cases use
+// the one initializer of the process.
 
-#include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
 #include "MessageBoxAnswerer.h"
 #include "OsduEmulatorSettings.h"
@@ -47,50 +47,10 @@ class OsduSessionTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted_data();
-    void aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted();
     void aRenewalThatKeepsTheTokenKeepsItsExpiry();
     void aTokenRotatedByARenewalIsKeptForTheNextRun();
     void anEndedSessionIsToldAndConnectSignsInAgain();
 };
-
-void OsduSessionTest::aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted_data()
-{
-    QTest::addColumn<QString>("prompt");
-    QTest::newRow("no prompt") << "";
-    QTest::newRow("prompt=consent") << "consent";
-}
-
-void OsduSessionTest::aStrictServerIssuesARefreshTokenOnlyWhenConsentIsPrompted()
-{
-    QFETCH(QString, prompt);
-    TestSettings settings;
-    emulator::OsduEmulatorOptions options;
-    options.refreshTokenOnlyWithConsent = true;
-    const auto osdu = startOsduEmulator(settings, options, 0);
-    if (!prompt.isEmpty())
-        settings.set("AWS", "OSDU_PROMPT", prompt);
-    EventBusRecorder bus;
-    OsduFastInitializer initializer(OsduFastInitializer::AWS);
-    QVERIFY(signIn(initializer));
-    QCOMPARE(QString::fromStdString(osdu->lastAuthorizeQuery()).contains("&prompt=consent&"), !prompt.isEmpty());
-
-    const QStringList told =
-        bus.texts(Information).filter("gave no refresh token: the next run will need the web browser");
-    if (!prompt.isEmpty()) {
-        QVERIFY(!stored("OSDU_REFRESH_TOKEN").toString().isEmpty());
-        QVERIFY(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime() > QDateTime::currentDateTime().addSecs(3600));
-        QVERIFY(told.isEmpty());
-        return;
-    }
-    // Nothing that looks like a session: no empty token, no expiry made up for it.
-    for (const char* key : {"OSDU_REFRESH_TOKEN", "OSDU_REFRESH_TOKEN_HASH", "OSDU_REFRESH_TOKEN_EXPIRY"})
-        QVERIFY2(!QSettings().contains(QStringLiteral("AWS/") + key), key);
-    QCOMPARE(told.size(), 1);
-    // Said once, not at every sign-in of the run.
-    QVERIFY(signIn(initializer));
-    QCOMPARE(bus.texts(Information).filter("gave no refresh token").size(), 1);
-}
 
 void OsduSessionTest::aRenewalThatKeepsTheTokenKeepsItsExpiry()
 {

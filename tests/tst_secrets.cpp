@@ -228,7 +228,15 @@ void SecretsTest::failedBrowserSignInsLeaveNothingListening()
 
 void SecretsTest::aSpentStoredSessionIsRefused()
 {
-    // The page's renewals spent the refresh token that its sign-in stored.
+    // A copy of the stored session (a settings backup put back, say) whose token a run since spent.
+    const QVariant copy = QSettings().value("AWS/OSDU_REFRESH_TOKEN");
+    {
+        OsduFastInitializer spender(OsduFastInitializer::AWS);
+        QSignalSpy authorized(spender.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
+        QVERIFY(spender.authProvider()->authorizeAsync(5000) && authorized.wait(15000));
+    }
+    QVERIFY(QSettings().value("AWS/OSDU_REFRESH_TOKEN") != copy);
+    QSettings().setValue("AWS/OSDU_REFRESH_TOKEN", copy);
     OsduFastInitializer laterRun(OsduFastInitializer::AWS);
     const std::shared_ptr<osdu::OsduAuthProvider> provider = laterRun.authProvider();
     hear(provider.get());
