@@ -183,9 +183,10 @@ int main(int argc, char** argv)
     QTemporaryDir settings;
     useScratchSettings(settings.path());
     curl_global_init(CURL_GLOBAL_DEFAULT);
-    return runWithRatios(
-        argc, argv,
-        {{"file-collection search / bare libcurl floor, 1,000 hits", "fileCollectionSearch", "bareCurlFloor", 1.0},
-         // 1.5 s against about 20 s
-         {"search with 20 ms latency / one fetch at a time", "distantSearch", "distantSearchOneAtATime", 0.075}});
+    return runWithRatios(argc, argv,
+                         {{"file-collection search / bare libcurl floor, 1,000 hits", "fileCollectionSearch",
+                           "bareCurlFloor", 1.0},
+                          // 1.5 s against about 20 s
+                          {"search with 20 ms latency / one fetch at a time", "distantSearch",
+                           "distantSearchOneAtATime", 0.075}});
 }

@@ -99,8 +99,9 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QTemporaryDir settings;
     useScratchSettings(settings.path());
-    const int status = runWithRatios(
-        argc, argv, {{"VDS page init, time per volume: 1,000 / 100 volumes", "initLarge", "initSmallTenTimes", 1.5}});
+    const int status =
+        runWithRatios(argc, argv,
+                      {{"VDS page init, time per volume: 1,000 / 100 volumes", "initLarge", "initSmallTenTimes", 1.5}});
 
     // The absolute figure: how long the host's GUI thread waits at 1,000 volumes, the best of five.
     Project& large = project(1000);

@@ -4,11 +4,11 @@
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
-#include "StdMetaTypes.h"
 #include "MessageBoxAnswerer.h"
 #include "PanelDriver.h"
 #include "PanelTexts.h"
 #include "PollingThread.h"
+#include "StdMetaTypes.h"
 #include "VdsPageSession.h"
 
 #include <fast/fast.h>

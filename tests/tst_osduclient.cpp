@@ -180,7 +180,8 @@ void OsduClientTest::forgedOrMissingStateIsTurnedAwayAndTheSignInGoesOn()
     QCOMPARE(platform.visit->status, 400L);
     // A local program that knows the port but not the state.
     auto stranger = std::make_shared<BrowserVisit>();
-    testBrowser({}, stranger)(QUrl(QString("http://127.0.0.1:%1/signin?code=guess").arg(platform.watch.callbackPort())));
+    testBrowser({},
+                stranger)(QUrl(QString("http://127.0.0.1:%1/signin?code=guess").arg(platform.watch.callbackPort())));
     QTRY_VERIFY(stranger->done);
     QCOMPARE(stranger->status, 400L);
     QCOMPARE(platform.requestsTo("/oauth2/token"), 0);
@@ -202,16 +203,25 @@ void OsduClientTest::plainHttpIsRefusedOffLoopback_data()
     QTest::addColumn<QString>("setting");
     QTest::addColumn<QString>("url");
     QTest::addColumn<bool>("refused");
-    QTest::newRow("authorization, remote http") << "OSDU_OAUTH_URL" << "http://login.example.com/authorize" << true;
+    QTest::newRow("authorization, remote http") << "OSDU_OAUTH_URL"
+                                                << "http://login.example.com/authorize" << true;
     QTest::newRow("authorization, a name that only begins like loopback")
-        << "OSDU_OAUTH_URL" << "http://127.0.0.1.example.com/authorize" << true;
-    QTest::newRow("authorization, not http at all") << "OSDU_OAUTH_URL" << "ftp://127.0.0.1/authorize" << true;
-    QTest::newRow("authorization, https") << "OSDU_OAUTH_URL" << "https://login.example.com/authorize" << false;
-    QTest::newRow("authorization, localhost") << "OSDU_OAUTH_URL" << "http://LocalHost:9/authorize" << false;
-    QTest::newRow("authorization, 127.0.0.0/8") << "OSDU_OAUTH_URL" << "http://127.8.9.10:9/authorize" << false;
-    QTest::newRow("authorization, ::1") << "OSDU_OAUTH_URL" << "http://[::1]:9/authorize" << false;
-    QTest::newRow("token, remote http") << "OSDU_OAUTH_TOKEN_URL" << "http://10.1.2.3/token" << true;
-    QTest::newRow("platform, remote http") << "OSDU_BASE_URL" << "http://osdu.example.com" << true;
+        << "OSDU_OAUTH_URL"
+        << "http://127.0.0.1.example.com/authorize" << true;
+    QTest::newRow("authorization, not http at all") << "OSDU_OAUTH_URL"
+                                                    << "ftp://127.0.0.1/authorize" << true;
+    QTest::newRow("authorization, https") << "OSDU_OAUTH_URL"
+                                          << "https://login.example.com/authorize" << false;
+    QTest::newRow("authorization, localhost") << "OSDU_OAUTH_URL"
+                                              << "http://LocalHost:9/authorize" << false;
+    QTest::newRow("authorization, 127.0.0.0/8") << "OSDU_OAUTH_URL"
+                                                << "http://127.8.9.10:9/authorize" << false;
+    QTest::newRow("authorization, ::1") << "OSDU_OAUTH_URL"
+                                        << "http://[::1]:9/authorize" << false;
+    QTest::newRow("token, remote http") << "OSDU_OAUTH_TOKEN_URL"
+                                        << "http://10.1.2.3/token" << true;
+    QTest::newRow("platform, remote http") << "OSDU_BASE_URL"
+                                           << "http://osdu.example.com" << true;
 }
 
 void OsduClientTest::plainHttpIsRefusedOffLoopback()
@@ -247,7 +257,8 @@ void OsduClientTest::onlyABearerTokenIsTaken_data()
 {
     QTest::addColumn<QString>("tokenType");
     QTest::addColumn<QString>("error");
-    QTest::newRow("bearer, any case") << "bEARer" << "";
+    QTest::newRow("bearer, any case") << "bEARer"
+                                      << "";
     QTest::newRow("another type") << "MAC"
                                   << "Sign-in failed: the authorization server did not issue a bearer token: "
                                      "token_type \"MAC\"";

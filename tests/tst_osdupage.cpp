@@ -183,8 +183,8 @@ void OsduPageTest::platformTextsAreReadAsUtf8OnAnyMachine()
     // A Windows machine's 8-bit encoding is not UTF-8.
     QTextCodec* local = QTextCodec::codecForLocale();
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("Windows-1252"));
-    m_osdu->addDataset("opendes:dataset--FileCollection.Bluware.OpenVDS:utf8", "Nordsjø Ålesund 北海",
-                       "Tiefe für Öl", "s3://fast-demo-bucket/volumes/utf8/");
+    m_osdu->addDataset("opendes:dataset--FileCollection.Bluware.OpenVDS:utf8", "Nordsjø Ålesund 北海", "Tiefe für Öl",
+                       "s3://fast-demo-bucket/volumes/utf8/");
     searchFor("Ålesund");
     QTextCodec::setCodecForLocale(local);
     QCOMPARE(resultNames(*m_page), QStringList{"Nordsjø Ålesund 北海"});
@@ -199,7 +199,8 @@ void OsduPageTest::fetchesAtOnceTellWhatOneAtATimeTells()
         m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", concurrency);
         EventBusRecorder bus;
         searchFor("");
-        return std::make_pair(resultNames(*m_page), bus.texts(Trace).filter(QRegularExpression("^(About|Unable|FAST)")));
+        return std::make_pair(resultNames(*m_page),
+                              bus.texts(Trace).filter(QRegularExpression("^(About|Unable|FAST)")));
     };
     const auto oneAtATime = searchWith("1");
     const auto atOnce = searchWith("16");
@@ -215,8 +216,10 @@ void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered_data()
     QTest::addColumn<QString>("route");
     QTest::addColumn<QString>("body");
     // Not a syntax error: POCO refuses the shape with an exception of another kind.
-    QTest::newRow("volume listing an object") << "/api/v2/vds/" << R"({"oops":1})";
-    QTest::newRow("file listing not JSON") << "/api/v2/file/" << "<html>502</html>";
+    QTest::newRow("volume listing an object") << "/api/v2/vds/"
+                                              << R"({"oops":1})";
+    QTest::newRow("file listing not JSON") << "/api/v2/file/"
+                                           << "<html>502</html>";
 }
 
 void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered()
@@ -361,8 +364,8 @@ void OsduPageTest::theDatasetsComeBackWithFastAsFastNowKnowsThem()
     // While FAST was away, a file was mounted from the third dataset.
     const auto client = m_fast->client();
     const std::string url = fast::modifyVdsFilepath("s3://fast-demo-bucket/volumes/vol-0003/");
-    client->mountFile(client->registerVds(url)->getMessage(), "west", m_fast->projectDir().toStdString(), 0, 1, 0, 1,
-                      0, 1);
+    client->mountFile(client->registerVds(url)->getMessage(), "west", m_fast->projectDir().toStdString(), 0, 1, 0, 1, 0,
+                      1);
     m_page->setConnectedToFast(true);
 
     QCOMPARE(rows->rowCount(), datasets);

@@ -126,7 +126,8 @@ private:
     HitOutcome fetch(const osdu::SearchHit& hit, const std::string& partition, const std::string& filter) const
     {
         HitOutcome outcome;
-        outcome.lines << QString("About to query the record with id=%1 in partition=%2").arg(text(hit.id), text(partition));
+        outcome.lines
+            << QString("About to query the record with id=%1 in partition=%2").arg(text(hit.id), text(partition));
         try {
             for (const auto& record : m_storage->getRecords(partition, {hit.id})) {
                 const auto* collection = dynamic_cast<const osdu::FileCollection*>(record.get());

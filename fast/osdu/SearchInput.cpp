@@ -60,9 +60,8 @@ void SearchInput::search()
     });
     // Delivered on this box's thread and only while the box lives: when the panel is closed
     // during a search, the late results are dropped with the queued call.
-    connect(worker, &QThread::finished, this, [this, found] {
-        m_resultsCallback(*found ? *found : std::make_shared<osdu::StorageRecordCollection>());
-    });
+    connect(worker, &QThread::finished, this,
+            [this, found] { m_resultsCallback(*found ? *found : std::make_shared<osdu::StorageRecordCollection>()); });
     connect(worker, &QThread::finished, worker, &QObject::deleteLater);
     worker->start(QThread::InheritPriority);
 }

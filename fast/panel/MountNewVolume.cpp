@@ -223,10 +223,11 @@ void MountNewVolume::onSave()
     std::string fileId;
     QString body;
     try {
-        const auto response = m_fast->mountFile(
-            m_vdsId, name.toUtf8().toStdString(), m_projectPath.toUtf8().toStdString(), m_z.slider->lowerValue(),
-            m_z.slider->upperValue(), m_crossline.slider->lowerValue(), m_crossline.slider->upperValue(),
-            m_inline.slider->lowerValue(), m_inline.slider->upperValue());
+        const auto response = m_fast->mountFile(m_vdsId, name.toUtf8().toStdString(),
+                                                m_projectPath.toUtf8().toStdString(), m_z.slider->lowerValue(),
+                                                m_z.slider->upperValue(), m_crossline.slider->lowerValue(),
+                                                m_crossline.slider->upperValue(), m_inline.slider->lowerValue(),
+                                                m_inline.slider->upperValue());
         status = response->getResponse();
         fileId = response->getMessage();
         body = QString::fromStdString(fileId);

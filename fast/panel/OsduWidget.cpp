@@ -187,8 +187,7 @@ void OsduWidget::tellSessionEnded()
 {
     m_sessionEnded = false;
     m_connectButton->setEnabled(true);
-    warn(this, "OSDU session ended",
-         "The OSDU™ Data Platform session has ended. Press « Connect » to sign in again.");
+    warn(this, "OSDU session ended", "The OSDU™ Data Platform session has ended. Press « Connect » to sign in again.");
 }
 
 void OsduWidget::enableSearch()

@@ -27,7 +27,7 @@ void traceException(const std::exception& failure);
 
 // Runs a FAST call whose failure the user is not told of, such as those of the trees' own
 // handlers: whatever it throws is traced, and the caller goes on as if it had succeeded.
-template <typename Call>
+template<typename Call>
 void quietly(Call&& call) noexcept
 {
     try {

@@ -73,7 +73,7 @@ void FastTreeModel::setVdsIdForUrl(const std::string& url, const std::string& vd
 void FastTreeModel::removeRecordForUrl(const std::string& url)
 {
     const auto found = std::find_if(m_vdsList.begin(), m_vdsList.end(),
-                                     [&url](const VdsModel& record) { return record.url == url; });
+                                    [&url](const VdsModel& record) { return record.url == url; });
     if (found != m_vdsList.end())
         m_vdsList.erase(found);
 }

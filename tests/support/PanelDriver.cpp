@@ -1,5 +1,7 @@
 #include "PanelDriver.h"
 
+#include "SignInWatch.h"
+
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/OsduWidget.h>
@@ -13,6 +15,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
@@ -105,4 +108,11 @@ bool search(const fast::OsduWidget& page)
     QPushButton* button = searchButton(page);
     QTest::mouseClick(button, Qt::LeftButton);
     return QTest::qWaitFor([button] { return button->isEnabled(); }, 120000);
+}
+
+bool connectAndSearch(const fast::OsduWidget& page, osdu::OsduAuthProvider& provider)
+{
+    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
+    QTest::mouseClick(connectButton(page), Qt::LeftButton);
+    return authorized.wait(kSignInLimitMs) && search(page);
 }

@@ -6,6 +6,10 @@
 class QPushButton;
 class QWidget;
 
+namespace osdu {
+class OsduAuthProvider;
+}
+
 namespace fast {
 class MountNewVolume;
 class OsduWidget;
@@ -28,3 +32,6 @@ QStringList resultNames(const fast::OsduWidget& page);
 // Clicks Search and waits until the search is over; false if it did not end within 2 minutes
 // (a thousand fetches under the sanitizers with both cores busy take a while).
 bool search(const fast::OsduWidget& page);
+// Clicks Connect, waits for provider's sign-in (through the browser it was given), then searches
+// as search() does; false if either did not end in time.
+bool connectAndSearch(const fast::OsduWidget& page, osdu::OsduAuthProvider& provider);

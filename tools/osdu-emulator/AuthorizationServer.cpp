@@ -201,7 +201,11 @@ OsduReply AuthorizationServer::authorize(const std::string& rawQuery)
         return errorRedirect(redirectUri, "invalid_request", "code_challenge is not a base64url SHA-256 digest", state);
 
     const std::string code = newSecret("code");
-    m_codes[code] = {m_config.clientId, redirectUri, challenge, valueOf(query, "scope"), Clock::now() + kCodeLifetime,
+    m_codes[code] = {m_config.clientId,
+                     redirectUri,
+                     challenge,
+                     valueOf(query, "scope"),
+                     Clock::now() + kCodeLifetime,
                      valueOf(query, "prompt") == "consent"};
     std::vector<std::pair<std::string, std::string>> parameters{{"code", code}};
     if (!state.empty())
