@@ -6,9 +6,9 @@ set(FASTPANEL_GENERATED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
 function(fastpanel_warnings target)
   if(MSVC)
     # Sources are UTF-8 (the user-facing texts carry "™").
-    target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8)
+    target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 $<$<BOOL:${FASTPANEL_WERROR}>:/WX>)
   else()
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic $<$<BOOL:${FASTPANEL_WERROR}>:-Werror>)
   endif()
 endfunction()
 

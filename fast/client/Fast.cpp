@@ -21,12 +21,10 @@ const std::string FAST_PORT = "FAST_PORT";
 
 namespace {
 
-constexpr int kErrorKind = 1;
-constexpr int kTraceKind = 3;
-
-// Call-site numbers carried by the request lines; the host's log readers rely on them.
+// Call-site numbers carried by the request and trace lines; the host's log readers rely on them.
 enum CallSite : int {
     AboutCall = 43,
+    VersionJsonSite = 70,
     PluginStatusCall = 89,
     MountFileCall = 143,
     UnmountFileCall = 161,
@@ -50,7 +48,7 @@ QString text(const std::string& utf8)
 
 void trace(const QString& line)
 {
-    MDEventBus::sendMessage(kTraceKind, line, false);
+    MDEventBus::sendMessage(MDEventBus::Trace, line, false);
 }
 
 void traceRequest(Method method, const std::string& url, const std::string& body, CallSite site)
@@ -142,7 +140,7 @@ std::optional<std::string> Fast::getVersion() const
 {
     const auto about = getAbout();
     if (about->getResponse() != 200) {
-        MDEventBus::sendMessage(kErrorKind,
+        MDEventBus::sendMessage(MDEventBus::Error,
                                 QString("Unable to get FAST status: HTTP request failed with status=%1")
                                     .arg(about->getResponse()),
                                 false);
@@ -151,8 +149,8 @@ std::optional<std::string> Fast::getVersion() const
     try {
         return jsonValue("version", about->getMessage());
     } catch (const Poco::JSON::JSONException& exception) {
-        trace(QString("FAST version JSONException %1").arg(70));
-        MDEventBus::sendMessage(kErrorKind,
+        trace(QString("FAST version JSONException %1").arg(VersionJsonSite));
+        MDEventBus::sendMessage(MDEventBus::Error,
                                 QString("Unable to parse JSON to get FAST version: %1").arg(text(exception.message())),
                                 false);
         return std::nullopt;

@@ -22,7 +22,7 @@ FASTPANEL_EXPORT extern const std::string FAST_PORT;
 // session and no time-out; status 0 in a response means the service could not be reached. The
 // object holds only its base URL, so several threads may use one client at once.
 //
-// Each request leaves trace lines (kind 3) on the host's event bus: the request line before
+// Each request leaves trace lines (MDEventBus::Trace) on the host's event bus: the request line before
 // the call and the response line after it. The two status calls, which the connection worker
 // makes every five seconds, stay silent on success and send both lines after a failed call.
 class FASTPANEL_EXPORT Fast

@@ -21,6 +21,12 @@ namespace fast {
 
 namespace {
 
+// Call-site numbers carried by the trace lines; the host's log readers rely on them.
+enum TraceSite : int {
+    RegisterKindSite = 45,
+    SearchSite = 97,
+};
+
 const std::string kRegisteredKind = "osdu:wks:dataset--FileCollection*:1.0.0";
 const std::string kSearchedKind = "osdu:wks:dataset--FileCollection.Bluware.*:1.0.0";
 constexpr int kHitLimit = 1000;
@@ -49,7 +55,7 @@ public:
         try {
             factory->registerKind(kRegisteredKind, &osdu::deserialiseFileCollection);
         } catch (const std::exception& failure) {
-            trace(QString("FAST FileCollectionSearch exception %1").arg(45));
+            trace(QString("FAST FileCollectionSearch exception %1").arg(RegisterKindSite));
             trace(QString("Unable to register OSDU kind %1: %2")
                       .arg(text(kRegisteredKind), QString::fromUtf8(failure.what())));
         }
@@ -67,7 +73,7 @@ public:
             query.limit = kHitLimit;
             hits = m_search->query(query, partition);
         } catch (const std::exception& failure) {
-            trace(QString("FAST FileCollectionSearch performSearch exception %1").arg(97));
+            trace(QString("FAST FileCollectionSearch performSearch exception %1").arg(SearchSite));
             trace(failureLine("", partition, failure));
         }
         HitOutcomes outcomes(hits.size());
@@ -135,7 +141,7 @@ private:
                     outcome.matches.push_back(record);
             }
         } catch (const std::exception& failure) {
-            outcome.lines << QString("FAST FileCollectionSearch performSearch exception %1").arg(97)
+            outcome.lines << QString("FAST FileCollectionSearch performSearch exception %1").arg(SearchSite)
                           << failureLine(hit.id, partition, failure);
         }
         return outcome;

@@ -245,7 +245,7 @@ void MountNewVolume::onSave()
     }
     if (status != 200 || fileId.empty()) {
         showMountError(link.completeBaseName(), status, body);
-        MDEventBus::sendMessage(1,
+        MDEventBus::sendMessage(MDEventBus::Error,
                                 QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : %1 : %2")
                                     .arg(QString::number(status), body),
                                 false);
@@ -307,8 +307,10 @@ void MountNewVolume::onRenameFinished(bool renamed, const std::string& fileId, c
     // Without its link the host cannot open the file, so FAST should not keep it either.
     quietly([&] { m_fast->deleteFile(fileId); });
     showMountError(fileName, 200, QString::fromStdString(fileId));
-    MDEventBus::sendMessage(
-        1, QStringLiteral("Bluware FAST\u2122 error : impossible to rename remote file %1.kv").arg(fileName), false);
+    MDEventBus::sendMessage(MDEventBus::Error,
+                            QStringLiteral("Bluware FAST\u2122 error : impossible to rename remote file %1.kv")
+                                .arg(fileName),
+                            false);
     done(0);
 }
 

@@ -32,6 +32,13 @@ namespace fast {
 
 namespace {
 
+// Call-site numbers carried by the trace lines; the host's log readers rely on them.
+enum TraceSite : int {
+    SearchDoneJsonSite = 149,
+    MountJsonSite = 286,
+    MountSite = 302,
+};
+
 const char* const kProviderHelp =
     "Cloud provider and OSDU™ Data Platform settings are defined in Tools>Settings>OSDU™ Data Platform/FAST™ "
     "pane.<br>Once these settings are defined, select a cloud provider and click on « Connect » to initialize the "
@@ -226,7 +233,7 @@ std::vector<VdsInfo> OsduWidget::fastVolumes()
         return parseVdsInfos(volumes->getMessage(), files->getMessage());
     } catch (const std::exception& failure) {
         // A listing of the wrong shape is as unreadable as one that is not JSON at all.
-        trace(QString("FAST OSDU onSearchDone JSONException %1").arg(149));
+        trace(QString("FAST OSDU onSearchDone JSONException %1").arg(SearchDoneJsonSite));
         const QString message = QString("Unable to parse JSON to get VDS list: %1").arg(exceptionText(failure));
         trace(message);
         warn(this, "Unable to list VDS", message);
@@ -288,7 +295,7 @@ void OsduWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel
         model->setVdsIdForUrl(vdsModel.url, vdsId);
         openMountDialog(projectPath, vdsModel, vdsId);
     } catch (const Poco::JSON::JSONException& failure) {
-        trace(QString("FAST OSDU onMountVds JSONException %1").arg(286));
+        trace(QString("FAST OSDU onMountVds JSONException %1").arg(MountJsonSite));
         error(
             QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception while parsing JSON to get volume "
                     "data from VDS: %3")
@@ -296,7 +303,7 @@ void OsduWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel
         forgetRegistration(vdsModel, vdsId);
         warnMountFailed(this);
     } catch (const std::exception& failure) {
-        trace(QString("FAST OSDU onMountVds exception %1").arg(302));
+        trace(QString("FAST OSDU onMountVds exception %1").arg(MountSite));
         error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception : %3")
                   .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
         forgetRegistration(vdsModel, vdsId);

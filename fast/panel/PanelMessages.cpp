@@ -10,17 +10,17 @@ namespace fast {
 
 void trace(const QString& text)
 {
-    MDEventBus::sendMessage(3, text, false);
+    MDEventBus::sendMessage(MDEventBus::Trace, text, false);
 }
 
 void information(const QString& text)
 {
-    MDEventBus::sendMessage(4, text, false);
+    MDEventBus::sendMessage(MDEventBus::Information, text, false);
 }
 
 void error(const QString& text)
 {
-    MDEventBus::sendMessage(1, text, false);
+    MDEventBus::sendMessage(MDEventBus::Error, text, false);
 }
 
 void warn(QWidget* parent, const QString& title, const QString& text)

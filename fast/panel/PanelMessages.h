@@ -6,8 +6,8 @@
 
 class QWidget;
 
-// How the pages tell the host's log and the user what happened: traces (kind 3), information
-// (kind 4) and errors (kind 1) on the event bus, and warning boxes with an OK button.
+// How the pages tell the host's log and the user what happened: traces, information
+// and errors on the event bus (MDEventBus::Kind), and warning boxes with an OK button.
 namespace fast {
 
 void trace(const QString& text);
@@ -22,7 +22,7 @@ QString exceptionText(const std::exception& failure);
 // The listing of the VDS could not be read: logged as an error and shown to the user.
 void reportListingFailure(QWidget* parent, const std::exception& failure);
 
-// Traces an exception that the user is not told of (kind 3).
+// Traces an exception that the user is not told of on the event bus.
 void traceException(const std::exception& failure);
 
 // Runs a FAST call whose failure the user is not told of, such as those of the trees' own

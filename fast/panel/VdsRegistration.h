@@ -10,7 +10,7 @@ namespace fast {
 
 class Fast;
 
-// Registers url with FAST and notes the outcome in the host's log (kind 4). The new id, or
+// Registers url with FAST and notes the outcome in the host's log (as information). The new id, or
 // empty when FAST gave none; the user has not been told yet.
 std::string registerVdsInFast(const Fast& fast, const std::string& url);
 

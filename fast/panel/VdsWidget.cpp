@@ -30,6 +30,14 @@ namespace fast {
 
 namespace {
 
+// Call-site numbers carried by the trace lines; the host's log readers rely on them.
+enum TraceSite : int {
+    MountJsonSite = 261,
+    MountSite = 277,
+    InitJsonSite = 365,
+    InitSite = 372,
+};
+
 const char* const kLocalHelp =
     "Once FAST™ service is running, upload the local VDS volume:<br>&nbsp;- Click on <img "
     "src=':/light/projectopen24.png' width=\"12\" height=\"12\"> Open VDS button</br><br>&nbsp;- Select the .vds "
@@ -121,10 +129,10 @@ void VdsWidget::init(const QSet<QString>& projectFiles)
         }
         m_treeView->refresh();
     } catch (const Poco::JSON::JSONException& failure) {
-        trace(QString("FAST VDS init JSONException %1").arg(365));
+        trace(QString("FAST VDS init JSONException %1").arg(InitJsonSite));
         reportListingFailure(this, failure);
     } catch (const std::exception& failure) {
-        trace(QString("FAST VDS init exception %1").arg(372));
+        trace(QString("FAST VDS init exception %1").arg(InitSite));
         reportListingFailure(this, failure);
     }
 }
@@ -196,10 +204,10 @@ void VdsWidget::mount(const QString& projectPath, const VdsModel& vdsModel, bool
             return;
         openMountDialog(projectPath, vdsModel, vdsId);
     } catch (const Poco::JSON::JSONException& failure) {
-        trace(QString("FAST VDS onMountVds JSONException %1").arg(261));
+        trace(QString("FAST VDS onMountVds JSONException %1").arg(MountJsonSite));
         abandonMount(vdsModel, vdsId, recordAdded, failure, true);
     } catch (const std::exception& failure) {
-        trace(QString("FAST VDS onMountVds exception %1").arg(277));
+        trace(QString("FAST VDS onMountVds exception %1").arg(MountSite));
         abandonMount(vdsModel, vdsId, recordAdded, failure, false);
     }
 }

@@ -7,10 +7,19 @@
 #include <functional>
 
 // The host's message bus. The library sends diagnostics here; the host decides where they go.
-// Kinds used by the library: 1 errors the user also sees, 3 traces, 4 information.
 class KORVANE_EXPORT MDEventBus
 {
 public:
+    // The kinds of message the library sends. A message's kind is an int: hosts may send others.
+    enum Kind : int {
+        // Something failed, in words the user also sees.
+        Error = 1,
+        // What the library did, for whoever looks into a problem.
+        Trace = 3,
+        // Something the user should know that is not a failure.
+        Information = 4,
+    };
+
     using Listener = std::function<void(int kind, const QString& text)>;
 
     // Delivers the message to every listener, on the calling thread, in the order they were

@@ -1,13 +1,17 @@
 #pragma once
 
+#include <korvane/MDEventBus.h>
+
 #include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <mutex>
 
-// The kinds of message the library sends.
-enum BusKind : int { Error = 1, Trace = 3, Information = 4 };
+// The kinds of message the library sends, by their short names.
+constexpr MDEventBus::Kind Error = MDEventBus::Error;
+constexpr MDEventBus::Kind Trace = MDEventBus::Trace;
+constexpr MDEventBus::Kind Information = MDEventBus::Information;
 
 // Records what reaches the host's event bus while it lives, from any thread.
 class EventBusRecorder

@@ -20,18 +20,14 @@ enum Column { TimeColumn, KindColumn, MessageColumn };
 // Enough for a long session of five-second polls without the pane growing without bound.
 constexpr int kMaxMessages = 5000;
 
-constexpr int kError = 1;
-constexpr int kTrace = 3;
-constexpr int kInformation = 4;
-
 QString kindName(int kind)
 {
     switch (kind) {
-    case kError:
+    case MDEventBus::Error:
         return EventBusPane::tr("error");
-    case kTrace:
+    case MDEventBus::Trace:
         return EventBusPane::tr("trace");
-    case kInformation:
+    case MDEventBus::Information:
         return EventBusPane::tr("information");
     default:
         return EventBusPane::tr("kind %1").arg(kind);
@@ -94,13 +90,13 @@ void EventBusPane::append(int kind, const QString& text)
     item->setData(KindColumn, Qt::UserRole, kind);
     item->setToolTip(MessageColumn, text);
     switch (kind) {
-    case kError:
+    case MDEventBus::Error:
         item->setIcon(KindColumn, style()->standardIcon(QStyle::SP_MessageBoxCritical));
         break;
-    case kInformation:
+    case MDEventBus::Information:
         item->setIcon(KindColumn, style()->standardIcon(QStyle::SP_MessageBoxInformation));
         break;
-    case kTrace:
+    case MDEventBus::Trace:
         item->setIcon(KindColumn, style()->standardIcon(QStyle::SP_FileDialogDetailedView));
         // Traces are the bulk of the traffic: they recede so that the rest stands out.
         for (int column = 0; column < m_messages->columnCount(); ++column)
@@ -111,7 +107,7 @@ void EventBusPane::append(int kind, const QString& text)
         break;
     }
     m_messages->addTopLevelItem(item);
-    item->setHidden(kind == kTrace && !m_showTraces->isChecked());
+    item->setHidden(kind == MDEventBus::Trace && !m_showTraces->isChecked());
 
     while (m_messages->topLevelItemCount() > kMaxMessages)
         delete m_messages->takeTopLevelItem(0);
@@ -124,7 +120,7 @@ void EventBusPane::applyTraceFilter()
     const bool show = m_showTraces->isChecked();
     for (int row = 0; row < m_messages->topLevelItemCount(); ++row) {
         QTreeWidgetItem* item = m_messages->topLevelItem(row);
-        if (item->data(KindColumn, Qt::UserRole).toInt() == kTrace)
+        if (item->data(KindColumn, Qt::UserRole).toInt() == MDEventBus::Trace)
             item->setHidden(!show);
     }
     m_messages->scrollToBottom();

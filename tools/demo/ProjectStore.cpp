@@ -98,8 +98,10 @@ void ProjectStore::load()
     if (!file.exists())
         return;
     if (!file.open(QIODevice::ReadOnly)) {
-        MDEventBus::sendMessage(
-            1, tr("Demo host: cannot read the project list %1: %2").arg(file.fileName(), file.errorString()), false);
+        MDEventBus::sendMessage(MDEventBus::Error,
+                                tr("Demo host: cannot read the project list %1: %2")
+                                    .arg(file.fileName(), file.errorString()),
+                                false);
         return;
     }
     const QJsonArray files = QJsonDocument::fromJson(file.readAll()).object().value("addedFiles").toArray();
@@ -120,7 +122,9 @@ void ProjectStore::save()
     QSaveFile out(listFile());
     if (!out.open(QIODevice::WriteOnly) || out.write(QJsonDocument(QJsonObject{{"addedFiles", files}}).toJson()) < 0
         || !out.commit()) {
-        MDEventBus::sendMessage(
-            1, tr("Demo host: cannot save the project list %1: %2").arg(out.fileName(), out.errorString()), false);
+        MDEventBus::sendMessage(MDEventBus::Error,
+                                tr("Demo host: cannot save the project list %1: %2")
+                                    .arg(out.fileName(), out.errorString()),
+                                false);
     }
 }
