@@ -55,6 +55,9 @@ private:
     std::string m_clientSecret;
     std::string m_refreshToken;
     std::string m_scope;
+    // Unused, as m_reserved2: the two keep the members in the order and at the offsets that
+    // the class has always had, so that a host built against an earlier header of this
+    // exported class sees the same layout. New members go at the end.
     std::string m_reserved1;
     std::string m_callbackUrl;
     int m_callbackPort = 80;

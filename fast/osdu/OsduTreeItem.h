@@ -7,6 +7,11 @@
 namespace fast {
 
 // A cell of a volume tree: read-only, not selectable, knowing its record and file.
+//
+// The cell type of both trees, the VDS pages' and the OSDU page's: both models derive from
+// FastTreeModel, whose rows are records and their files addressed by index, and the delegates
+// and views find a cell's record and file the same way on every page. It is named after the
+// OSDU page, where it first served; hosts know it by this name.
 class FASTPANEL_EXPORT OsduTreeItem : public QStandardItem
 {
 public:

@@ -35,6 +35,7 @@ namespace {
 // Call-site numbers carried by the trace lines; the host's log readers rely on them.
 enum TraceSite : int {
     SearchDoneJsonSite = 149,
+    AuthenticationErrorSite = 365,
     MountJsonSite = 286,
     MountSite = 302,
 };
@@ -167,7 +168,7 @@ void OsduWidget::authenticationError(const QString& message, const QString& deta
     QString shown = message;
     if (!details.isEmpty())
         shown += QString("<br>%1").arg(details);
-    trace(QString("FAST OSDU authentication error %1 : %2").arg(QString::number(365), shown));
+    trace(QString("FAST OSDU authentication error %1 : %2").arg(QString::number(AuthenticationErrorSite), shown));
     QMessageBox::critical(this, "Failed to connect to OSDU environment", shown, QMessageBox::Ok);
 }
 

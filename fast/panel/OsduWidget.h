@@ -33,16 +33,29 @@ public:
     // them (its id and files for each); the tree was emptied while FAST was away.
     void setConnectedToFast(bool connected) override;
 
+    // Connect: takes the process-wide initializer (the first provider chosen in the process
+    // stays), listens to its provider and starts the sign-in; a provider that cannot be set up
+    // is an "Error Initializing OSDU" box.
     void onConnect();
+    // The sign-in failed: the message and its details in a box, and Connect enabled again.
     void authenticationError(const QString& message, const QString& details, const QUrl& url);
+    // What the provider says along the way, as information in the host's log.
     void logAuthInfo(const QString& message);
+    // Signed in: Connect is enabled again and enableUI() follows, which enables the search.
     void userAuthorized();
     // The platform session can no longer be renewed: once any search under way has ended, the
     // user is told and Connect signs in again.
     void sessionEnded();
+    // Search (the button or Return): one at a time; clears the tree, shows the wait cursor and
+    // hands the filter to the search box, whose results come back in onSearchDone().
     void performSearch();
+    // Shows the results with what FAST knows of each dataset, the result count, and gives the
+    // cursor and the search back; tells an ended session now if it ended meanwhile.
     void onSearchDone(const std::shared_ptr<osdu::StorageRecordCollection>& results);
+    // The tree's mount icon: registers the dataset's URL with FAST unless it has an id already,
+    // then opens the mount dialog; a failure undoes the registration it made.
     void onMountVds(const QString& projectPath, const VdsModel& vdsModel);
+    // The mount dialog's success: the file joins its dataset's row.
     void onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName);
 
 Q_SIGNALS:

@@ -25,6 +25,8 @@ struct SearchHit
     std::string kind;
 };
 
+// The platform's Search service, over the client given to createSearch(). Blocking; safe from
+// several threads at once, as the client is.
 class OSDU_EXPORT Search
 {
 public:

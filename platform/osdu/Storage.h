@@ -12,6 +12,9 @@ namespace osdu {
 class OsduHttpClient;
 class StorageRecordFactory;
 
+// The platform's Storage service, over the client given to createStorage(), building each
+// record with the factory by its kind. Blocking; safe from several threads at once, as the
+// client is.
 class OSDU_EXPORT Storage
 {
 public:
