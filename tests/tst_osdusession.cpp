@@ -70,11 +70,7 @@ void OsduSessionTest::aRenewalThatKeepsTheTokenKeepsItsExpiry()
     QSettings().setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", expiry.addDays(-7));
 
     OsduFastInitializer later(OsduFastInitializer::AWS);
-    bool opened = false;
-    later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
-    QSignalSpy authorized(later.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
-    QVERIFY(later.authProvider()->authorizeAsync(kLimitMs) && authorized.wait(kLimitMs));
-    QVERIFY(!opened);
+    QVERIFY(signsInWithoutBrowser(*later.authProvider()));
     QCOMPARE(osdu->issuedTokens().refreshGrants, 1);
     QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), token);
     QCOMPARE(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime(), expiry.addDays(-7));
@@ -99,11 +95,7 @@ void OsduSessionTest::aTokenRotatedByARenewalIsKeptForTheNextRun()
     }
     // The rotated-out token is dead: only the kept one signs the next run in without a browser.
     OsduFastInitializer later(OsduFastInitializer::AWS);
-    bool opened = false;
-    later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
-    QSignalSpy authorized(later.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
-    QVERIFY(later.authProvider()->authorizeAsync(kLimitMs) && authorized.wait(kLimitMs));
-    QVERIFY(!opened);
+    QVERIFY(signsInWithoutBrowser(*later.authProvider()));
     QCOMPARE(osdu->issuedTokens().refreshGrants, 2);
 }
 

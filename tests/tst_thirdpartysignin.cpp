@@ -136,9 +136,7 @@ void ThirdPartySignInTest::signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser()
         QVERIFY(m_server->count("grant refresh_token") > renewals);
     }
     OsduFastInitializer next(provider);
-    bool opened = false;
-    QVERIFY(signIn(next, forbiddenBrowser(&opened)));
-    QVERIFY(!opened);
+    QVERIFY(signsInWithoutBrowser(*next.authProvider()));
     QCOMPARE(datasetsFound(next, provider), kDatasets);
     QCOMPARE(m_server->count("grant authorization_code"), codeGrants + 1);
     QVERIFY(!m_server->events().contains(QStringLiteral("grant-error invalid_grant")));

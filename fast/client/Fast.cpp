@@ -1,5 +1,6 @@
 #include <fast/client/Fast.h>
 
+#include <fast/client/Utf8Text.h>
 #include <fast/client/VdsDescriptorParser.h>
 
 #include <korvane/MDEventBus.h>
@@ -37,14 +38,8 @@ enum CallSite : int {
 };
 
 const char* const kApi = "/api/v2/";
-const char* const kKorvanePlugin = "Korvane";
 
 enum class Method { Get, Post, Delete };
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 void trace(const QString& line)
 {
@@ -159,7 +154,7 @@ std::optional<std::string> Fast::getVersion() const
 
 bool Fast::isKorvanePluginAvailable() const
 {
-    return quietGet(m_baseUrl + kApi + "plugin/" + kKorvanePlugin, PluginStatusCall)->getResponse() == 200;
+    return quietGet(m_baseUrl + kApi + "plugin/" + kHostPlugin, PluginStatusCall)->getResponse() == 200;
 }
 
 std::shared_ptr<osdu::HttpResponse> Fast::getVdsList() const
@@ -213,7 +208,7 @@ std::shared_ptr<osdu::HttpResponse> Fast::mountFile(const std::string& vdsId, co
     Poco::JSON::Object mount;
     mount.set("parameters", parameters);
     mount.set("path", "/" + fileName);
-    mount.set("plugin", std::string(kKorvanePlugin));
+    mount.set("plugin", std::string(kHostPlugin));
     mount.set("vdsId", vdsId);
     std::ostringstream body;
     mount.stringify(body);

@@ -32,6 +32,9 @@ public:
     // used as they stand.
     explicit Fast(const std::string& host);
 
+    // The host's plug-in in FAST: mounts are made for it, and it describes a volume's extent.
+    static constexpr const char* kHostPlugin = "Korvane";
+
     const std::string& baseUrl() const { return m_baseUrl; }
 
     std::shared_ptr<osdu::HttpResponse> getAbout() const;

@@ -1,5 +1,6 @@
 #include <fast/osdu/FileCollectionSearch.h>
 
+#include <fast/client/Utf8Text.h>
 #include <fast/osdu/OsduSettingsKeys.h>
 #include <fast/panel/PanelMessages.h>
 
@@ -33,11 +34,6 @@ constexpr int kHitLimit = 1000;
 constexpr std::size_t kDefaultFetches = 16;
 // More would only queue at the platform; it also bounds the threads a setting can ask for.
 constexpr int kMostFetchesAtOnce = 64;
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 bool matches(const osdu::FileCollection& record, const std::string& filter)
 {

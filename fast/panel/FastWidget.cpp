@@ -1,6 +1,7 @@
 #include <fast/panel/FastWidget.h>
 
 #include <fast/client/Fast.h>
+#include <fast/panel/MountNewVolume.h>
 #include <fast/panel/PanelMessages.h>
 #include <fast/trees/FastTreeModel.h>
 #include <fast/trees/FastTreeView.h>
@@ -62,6 +63,20 @@ void FastWidget::onDeleteFile(std::string vdsId, VdsFile& vdsFile)
         model->vdsUnmounted(vdsId);
     }
     Q_EMIT removeVdsFileFromProject(QString::fromStdString(vdsFile.fileName));
+}
+
+void FastWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId)
+{
+    const SubvolumeRange range = m_fast->getPluginDescription(Fast::kHostPlugin, vdsId);
+    auto* dialog = new MountNewVolume(m_fast, vdsId, range, projectPath, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &MountNewVolume::vdsMounted, this, &FastWidget::onVdsMounted);
+    connect(dialog, &QDialog::finished, this, [this, vdsModel, vdsId](int result) {
+        if (result == 0 && vdsModel.files.empty())
+            onUnmountVds(vdsId, {});
+    });
+    dialog->setModal(true);
+    dialog->show();
 }
 
 } // namespace fast

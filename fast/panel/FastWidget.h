@@ -46,6 +46,12 @@ protected:
     // The tree loses the file (and a volume left without files is unregistered) before the
     // host hears of the removal.
     void onDeleteFile(std::string vdsId, VdsFile& vdsFile);
+    // The mount dialog for the registered volume vdsId, with the extent FAST's description of
+    // it gives: a mount lands in the page's onVdsMounted(); a first mount that is cancelled
+    // leaves nothing registered behind (the volume is unregistered again).
+    void openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId);
+    // A mount through the dialog succeeded: the page shows the new file.
+    virtual void onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName) = 0;
 
     std::shared_ptr<Fast> m_fast;
     FastTreeView* m_treeView = nullptr;

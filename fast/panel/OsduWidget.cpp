@@ -1,6 +1,7 @@
 #include <fast/panel/OsduWidget.h>
 
 #include <fast/client/Fast.h>
+#include <fast/client/Utf8Text.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
 #include <fast/osdu/OsduFastInitializer.h>
@@ -48,11 +49,6 @@ const char* const kSearchHelp =
     "When connected, search for VDS volumes.<br>Search with an empty filter to discover all VDS "
     "volumes.</br><br>Narrow your search by defining a filter applied on the following fields:</br><br>&nbsp;- "
     "Name</br><br>&nbsp;- Description</br><br>&nbsp;- ID</br>";
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 // The dataset's FAST id and files from FAST's listing, matched by URL byte for byte; none when
 // FAST does not know it.
@@ -320,22 +316,6 @@ void OsduWidget::forgetRegistration(const VdsModel& vdsModel, const std::string&
     quietly([&] { m_fast->unmountVds(vdsId, {}); });
     m_osduTree->model()->setVdsIdForUrl(vdsModel.url, {});
     m_osduTree->refresh();
-}
-
-void OsduWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId)
-{
-    const SubvolumeRange range = m_fast->getPluginDescription("Korvane", vdsId);
-    auto* dialog = new MountNewVolume(m_fast, vdsId, range, projectPath, this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &MountNewVolume::vdsMounted, this, &OsduWidget::onVdsMounted);
-    // As on the VDS pages: a first mount that was cancelled leaves nothing registered behind,
-    // and the dataset shows as unregistered again.
-    connect(dialog, &QDialog::finished, this, [this, vdsModel, vdsId](int result) {
-        if (result == 0 && vdsModel.files.empty())
-            onUnmountVds(vdsId, {});
-    });
-    dialog->setModal(true);
-    dialog->show();
 }
 
 void OsduWidget::onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName)

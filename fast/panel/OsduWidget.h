@@ -56,7 +56,7 @@ public:
     // then opens the mount dialog; a failure undoes the registration it made.
     void onMountVds(const QString& projectPath, const VdsModel& vdsModel);
     // The mount dialog's success: the file joins its dataset's row.
-    void onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName);
+    void onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName) override;
 
 Q_SIGNALS:
     void enableUI();
@@ -67,7 +67,6 @@ private:
     // The VDS FAST knows, empty (and reported) when the listing cannot be read.
     std::vector<VdsInfo> fastVolumes();
     void showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results);
-    void openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId);
     // After a failed mount: unregisters what this mount registered, and shows the dataset
     // unregistered again.
     void forgetRegistration(const VdsModel& vdsModel, const std::string& vdsId);

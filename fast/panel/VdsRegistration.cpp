@@ -1,21 +1,13 @@
 #include <fast/panel/VdsRegistration.h>
 
 #include <fast/client/Fast.h>
+#include <fast/client/Utf8Text.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/panel/PanelMessages.h>
 
 #include <osdu/HttpResponse.h>
 
 namespace fast {
-
-namespace {
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
-
-} // namespace
 
 std::string registerVdsInFast(const Fast& fast, const std::string& url)
 {

@@ -1,6 +1,7 @@
 #include <fast/panel/VdsWidget.h>
 
 #include <fast/client/Fast.h>
+#include <fast/client/Utf8Text.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/PanelMessages.h>
@@ -30,6 +31,12 @@ namespace fast {
 
 namespace {
 
+// Where the host is told that a page's volumes come from.
+eVdsLocation locationOf(VdsWidget::eWidgetType page)
+{
+    return page == VdsWidget::LOCAL_FILE ? eVdsLocation::LOCAL_FILE : eVdsLocation::CLOUD_URL;
+}
+
 // Call-site numbers carried by the trace lines; the host's log readers rely on them.
 enum TraceSite : int {
     MountJsonSite = 261,
@@ -48,11 +55,6 @@ const char* const kCloudHelp =
     "VDS</br><br>&nbsp;- Click on <img src=':/light/down_ko.png' width=\"12\" height=\"12\"> Mount VDS "
     "button</br><br>&nbsp;- In the new dialog to mount a VDS, enter a file name</br><br>&nbsp;- Define a zone of "
     "interest if needed then Save.";
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 QString pathWithoutSlashes(const QString& url)
 {
@@ -233,21 +235,6 @@ void VdsWidget::storeId(const std::string& url, const std::string& vdsId)
     vdsModel()->setVdsIdForUrl(url, vdsId);
 }
 
-void VdsWidget::openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId)
-{
-    const SubvolumeRange range = m_fast->getPluginDescription("Korvane", vdsId);
-    auto* dialog = new MountNewVolume(m_fast, vdsId, range, projectPath, this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &MountNewVolume::vdsMounted, this, &VdsWidget::onVdsMounted);
-    // A first mount that was cancelled leaves nothing registered behind.
-    connect(dialog, &QDialog::finished, this, [this, vdsModel, vdsId](int result) {
-        if (result == 0 && vdsModel.files.empty())
-            onUnmountVds(vdsId, {});
-    });
-    dialog->setModal(true);
-    dialog->show();
-}
-
 void VdsWidget::abandonMount(const VdsModel& vdsModel, const std::string& vdsId, bool recordAdded,
                              const std::exception& failure, bool badJson)
 {
@@ -273,7 +260,7 @@ void VdsWidget::onVdsMounted(const std::string& vdsId, const std::string& fileId
 {
     if (VdsTreeModel* model = vdsModel())
         model->addFile(vdsId, fileId, fileName);
-    Q_EMIT addToExtraDataManager(text(fileName), static_cast<eVdsLocation>(m_type + 2));
+    Q_EMIT addToExtraDataManager(text(fileName), locationOf(m_type));
     m_treeView->refresh();
 }
 

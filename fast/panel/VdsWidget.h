@@ -38,7 +38,7 @@ public:
     void onMountVds(const QString& projectPath, const VdsModel& vdsModel);
 
 public Q_SLOTS:
-    void onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName);
+    void onVdsMounted(const std::string& vdsId, const std::string& fileId, const std::string& fileName) override;
 
 private:
     void onBrowseClicked(const QString& projectPath);
@@ -52,7 +52,6 @@ private:
     // Empty when FAST could not be made to know the VDS; the user has been told why.
     std::string registeredId(const VdsModel& vdsModel);
     void storeId(const std::string& url, const std::string& vdsId);
-    void openMountDialog(const QString& projectPath, const VdsModel& vdsModel, const std::string& vdsId);
     // After a failure: unregister, forget the record this mount is about, tell the user.
     void abandonMount(const VdsModel& vdsModel, const std::string& vdsId, bool recordAdded,
                       const std::exception& failure, bool badJson);

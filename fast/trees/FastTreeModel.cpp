@@ -1,5 +1,6 @@
 #include <fast/trees/FastTreeModel.h>
 
+#include <fast/client/Utf8Text.h>
 #include <fast/osdu/OsduTreeItem.h>
 
 #include <algorithm>
@@ -9,11 +10,6 @@ namespace fast {
 namespace {
 
 const QString kFilesRow = QStringLiteral("Files");
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
 
 } // namespace
 

@@ -1,17 +1,9 @@
 #include <fast/trees/VdsTreeModel.h>
 
+#include <fast/client/Utf8Text.h>
 #include <fast/osdu/OsduTreeItem.h>
 
 namespace fast {
-
-namespace {
-
-QString text(const std::string& utf8)
-{
-    return QString::fromStdString(utf8);
-}
-
-} // namespace
 
 VdsTreeModel::VdsTreeModel(QObject* parent) : FastTreeModel(parent)
 {

@@ -1,6 +1,9 @@
 #include "TestBrowser.h"
 
+#include "SignInWatch.h"
+
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QThread>
 #include <QUrlQuery>
 
@@ -143,4 +146,12 @@ osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened)
         *opened = true;
         return false;
     };
+}
+
+bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider)
+{
+    bool opened = false;
+    provider.setBrowserOpener(forbiddenBrowser(&opened));
+    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
+    return provider.authorizeAsync(kSignInLimitMs) && authorized.wait(kSignInLimitMs) && !opened;
 }

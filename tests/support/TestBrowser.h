@@ -42,3 +42,7 @@ std::function<QUrl(const QUrl&)> replacingQueryItem(const QString& name, const Q
 
 // A browser that must not be used: a sign-in that opens it has gone the wrong way.
 osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened);
+
+// Signs provider in as a later run does, from its refresh token; false when that failed or
+// needed the browser.
+bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider);

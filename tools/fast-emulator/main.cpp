@@ -4,11 +4,10 @@
 #include "FastEmulator.h"
 
 #include <CommandLine.h>
+#include <ServeUntilStopped.h>
 
-#include <Poco/Exception.h>
-
-#include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -116,25 +115,13 @@ int main(int argc, char** argv)
     std::vector<RouteFault> faults;
     const emulator::EmulatorOptions options = parse(argc, argv, faults);
 
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGINT);
-    sigaddset(&stopSignals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr); // before the server's threads start
-
-    try {
+    return emulator::serveUntilStopped("fast-emulator", [&](const std::function<void()>& waitForStop) {
         emulator::FastEmulator fast(options);
         for (const RouteFault& route : faults)
             fast.setFault(route.method, route.pathPrefix, route.fault);
         fast.start();
         std::cout << "fast-emulator: listening on http://127.0.0.1:" << fast.port() << " (drive " << options.driveDir
                   << ")" << std::endl;
-        int received = 0;
-        sigwait(&stopSignals, &received);
-        std::cout << "fast-emulator: stopping" << std::endl;
-    } catch (const Poco::Exception& failure) {
-        std::cerr << "fast-emulator: " << failure.displayText() << std::endl;
-        return 1;
-    }
-    return 0;
+        waitForStop();
+    });
 }

@@ -78,18 +78,9 @@ private:
     OsduEmulator& m_emulator;
 };
 
-OsduReply osduError(int status, const std::string& reason, const std::string& message)
-{
-    Poco::JSON::Object::Ptr body = new Poco::JSON::Object;
-    body->set("code", status);
-    body->set("reason", reason);
-    body->set("message", message);
-    return OsduReply::json(status, body);
-}
-
 OsduReply unauthorized(const std::string& message, const std::string& challenge)
 {
-    OsduReply reply = osduError(401, "Unauthorized", message);
+    OsduReply reply = OsduReply::error(401, "Unauthorized", message);
     reply.headers.emplace_back("WWW-Authenticate", challenge);
     return reply;
 }
@@ -325,7 +316,7 @@ OsduReply OsduEmulator::route(const OsduRequest& request, const std::string& pat
     const bool get = request.method == "GET";
     const bool post = request.method == "POST";
     const auto wrongMethod = [&] {
-        return osduError(405, "Method Not Allowed", request.method + " is not allowed on " + path);
+        return OsduReply::error(405, "Method Not Allowed", request.method + " is not allowed on " + path);
     };
     if (path == kAuthorizePath)
         return get ? m_authorization.authorize(query) : wrongMethod();
@@ -336,7 +327,7 @@ OsduReply OsduEmulator::route(const OsduRequest& request, const std::string& pat
     const bool queryRecords = path == kQueryRecordsPath;
     const bool record = startsWith(path, kRecordPath) && path.size() > kRecordPath.size();
     if (!search && !queryRecords && !record)
-        return osduError(404, "Not Found", "No resource at " + path);
+        return OsduReply::error(404, "Not Found", "No resource at " + path);
     if (record ? !get : !post)
         return wrongMethod();
     if (std::optional<OsduReply> refusal = refuseAccess(request))
@@ -374,11 +365,11 @@ std::optional<OsduReply> OsduEmulator::refuseAccess(const OsduRequest& request)
                                       : !acceptedByUserinfo(m_options.userinfoUrl, token))
         return unauthorized("The access token is invalid or expired", "Bearer error=\"invalid_token\"");
     if (request.dataPartitionId.empty())
-        return osduError(400, "Bad Request", "The data-partition-id header is missing");
+        return OsduReply::error(400, "Bad Request", "The data-partition-id header is missing");
     if (request.dataPartitionId != m_options.partition)
-        return osduError(403, "Forbidden", "No access to the data partition " + request.dataPartitionId);
+        return OsduReply::error(403, "Forbidden", "No access to the data partition " + request.dataPartitionId);
     if (request.method == "POST" && !startsWith(Poco::toLower(request.contentType), "application/json"))
-        return osduError(415, "Unsupported Media Type", "The body must be application/json");
+        return OsduReply::error(415, "Unsupported Media Type", "The body must be application/json");
     return std::nullopt;
 }
 

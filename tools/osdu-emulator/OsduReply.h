@@ -22,6 +22,8 @@ struct OsduReply
     std::vector<std::pair<std::string, std::string>> headers;
 
     static OsduReply json(int status, const Poco::Dynamic::Var& value);
+    // The platform services' error answer: {"code": status, "reason": ..., "message": ...}.
+    static OsduReply error(int status, const std::string& reason, const std::string& message);
 };
 
 } // namespace emulator

@@ -17,18 +17,9 @@ const int kMaxLimit = 1000;
 const int kMaxWindow = 10000;
 const std::size_t kMaxBatch = 100;
 
-OsduReply osduError(int status, const std::string& reason, const std::string& message)
-{
-    Poco::JSON::Object::Ptr body = new Poco::JSON::Object;
-    body->set("code", status);
-    body->set("reason", reason);
-    body->set("message", message);
-    return OsduReply::json(status, body);
-}
-
 OsduReply badRequest(const std::string& message)
 {
-    return osduError(400, "Bad Request", message);
+    return OsduReply::error(400, "Bad Request", message);
 }
 
 std::vector<std::string> segmentsOf(const std::string& kind)
@@ -224,10 +215,10 @@ OsduReply RecordStore::record(const std::string& id, const std::string& version)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_failing.count(id))
-        return osduError(500, "Internal Server Error", "Unable to read the record " + id + " (injected)");
+        return OsduReply::error(500, "Internal Server Error", "Unable to read the record " + id + " (injected)");
     const auto found = m_records.find(id);
     if (found == m_records.end() || (!version.empty() && version != std::to_string(found->second.version)))
-        return osduError(404, "Record not found", "The record '" + id + "' was not found");
+        return OsduReply::error(404, "Record not found", "The record '" + id + "' was not found");
     return {200, found->second.json, "application/json", {}};
 }
 

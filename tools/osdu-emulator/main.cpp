@@ -4,11 +4,10 @@
 #include "OsduEmulator.h"
 
 #include <CommandLine.h>
+#include <ServeUntilStopped.h>
 
-#include <Poco/Exception.h>
-
-#include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <string>
 
@@ -79,13 +78,7 @@ int main(int argc, char** argv)
 {
     const Arguments arguments = parse(argc, argv);
 
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGINT);
-    sigaddset(&stopSignals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr); // before the server's threads start
-
-    try {
+    return emulator::serveUntilStopped("osdu-emulator", [&arguments](const std::function<void()>& waitForStop) {
         emulator::OsduEmulator osdu(arguments.options);
         osdu.seedDatasets(arguments.datasets, arguments.seedPrefix);
         osdu.start();
@@ -95,12 +88,6 @@ int main(int argc, char** argv)
                   << "  token:     " << osdu.tokenUrl() << "\n"
                   << "  client:    " << arguments.options.clientId
                   << (arguments.options.clientSecret.empty() ? " (public)" : " (with secret)") << std::endl;
-        int received = 0;
-        sigwait(&stopSignals, &received);
-        std::cout << "osdu-emulator: stopping" << std::endl;
-    } catch (const Poco::Exception& failure) {
-        std::cerr << "osdu-emulator: " << failure.displayText() << std::endl;
-        return 1;
-    }
-    return 0;
+        waitForStop();
+    });
 }
