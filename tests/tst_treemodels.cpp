@@ -5,6 +5,7 @@
 #include <fast/osdu/OsduTreeModel.h>
 #include <fast/trees/VdsTreeModel.h>
 
+#include <QAbstractItemModelTester>
 #include <QtTest>
 
 using fast::VdsFile;
@@ -22,6 +23,20 @@ VdsModel dataset(const QString& id, const QString& name, const std::string& vdsI
     return VdsModel(id, name, "osdu:wks:dataset--FileCollection.Bluware.OpenVDS:1.0.0", "about " + name, vdsId,
                     "https://b/" + name.toStdString(), std::move(files));
 }
+
+// Every change the test makes to a model is checked against Qt's rules for item models as it
+// happens (row counts, parents, the signals around inserts and removals).
+class ModelCheck
+{
+public:
+    explicit ModelCheck(QAbstractItemModel* model)
+        : m_tester(model, QAbstractItemModelTester::FailureReportingMode::QtTest)
+    {
+    }
+
+private:
+    QAbstractItemModelTester m_tester;
+};
 
 } // namespace
 
@@ -42,6 +57,7 @@ private Q_SLOTS:
 void TreeModelsTest::vdsRecordsAreLaidOutWithTheirRoles()
 {
     fast::VdsTreeModel model;
+    const ModelCheck modelCheck(&model);
     model.addVds(volume("bare", "", ""));
     model.addVds(volume("cube", "v1", "/d/cube.vds", {{"f1", "a"}, {"f2", "b"}}));
     model.populate();
@@ -67,6 +83,7 @@ void TreeModelsTest::vdsRecordsAreLaidOutWithTheirRoles()
 void TreeModelsTest::osduRecordsAreLaidOutWithTheirRoles()
 {
     fast::OsduTreeModel model;
+    const ModelCheck modelCheck(&model);
     model.addVds(dataset("r0", "north", ""));
     model.addVds(dataset("r1", "south", "v1", {{"f1", "a"}}));
     model.populate();
@@ -86,6 +103,7 @@ void TreeModelsTest::osduRecordsAreLaidOutWithTheirRoles()
 void TreeModelsTest::lookupsAreByIdAndIndexAndUrl()
 {
     fast::VdsTreeModel model;
+    const ModelCheck modelCheck(&model);
     model.addVds(volume("one", "v1", "/d/1.vds"));
     model.addVds(volume("two", "v1", "/d/2.vds"));
     model.populate();
@@ -104,6 +122,7 @@ void TreeModelsTest::lookupsAreByIdAndIndexAndUrl()
 void TreeModelsTest::addFileMakesTheFilesRowWhenMissing()
 {
     fast::VdsTreeModel vdsModel;
+    const ModelCheck vdsModelCheck(&vdsModel);
     vdsModel.addVds(volume("cube", "v1", "/d/cube.vds"));
     vdsModel.populate();
     vdsModel.addFile("v1", "f1", "a");
@@ -120,6 +139,7 @@ void TreeModelsTest::addFileMakesTheFilesRowWhenMissing()
     // An OSDU dataset has no "Path" row to be found by: the record learns the file, and the
     // next populate shows it.
     fast::OsduTreeModel osduModel;
+    const ModelCheck osduModelCheck(&osduModel);
     osduModel.addVds(dataset("r0", "north", "v2"));
     osduModel.populate();
     const QString before = dumpTree(osduModel);
@@ -132,6 +152,7 @@ void TreeModelsTest::addFileMakesTheFilesRowWhenMissing()
 void TreeModelsTest::removingFilesLeavesTheOtherRowsAsTheyAre()
 {
     fast::VdsTreeModel model;
+    const ModelCheck modelCheck(&model);
     model.addVds(volume("cube", "v1", "/d/cube.vds", {{"f1", "a"}, {"f2", "b"}, {"f3", "c"}}));
     model.populate();
     model.removeFile("v1", {"f1", "a"});
@@ -151,6 +172,7 @@ void TreeModelsTest::removingFilesLeavesTheOtherRowsAsTheyAre()
 void TreeModelsTest::unmountingRebuildsWithoutTheVolume()
 {
     fast::VdsTreeModel model;
+    const ModelCheck modelCheck(&model);
     model.addVds(volume("one", "v1", "/d/1.vds"));
     model.addVds(volume("two", "v2", "/d/2.vds", {{"f1", "a"}}));
     model.populate();
@@ -165,6 +187,7 @@ void TreeModelsTest::unmountingRebuildsWithoutTheVolume()
 void TreeModelsTest::duplicateUrlsLeaveTheTreeAlone()
 {
     fast::VdsTreeModel model;
+    const ModelCheck modelCheck(&model);
     model.addVds(volume("one", "v1", "/d/same.vds"));
     model.addVds(volume("two", "v2", "/d/same.vds"));
     model.populate();
