@@ -14,9 +14,16 @@ endfunction()
 
 # A shared library of the tree: export header at <prefix>/<name>_export.h, include roots for
 # the build tree and the install tree, version and install rules.
-#   fastpanel_shared_library(<target> PREFIX <include-prefix> ROOT <source-include-root>)
+#   fastpanel_shared_library(<target> PREFIX <include-prefix> ROOT <source-include-root>
+#                            [EXPORT_NAME <name>] PUBLIC_HEADERS <header>...)
+# Only the PUBLIC_HEADERS (paths below <ROOT>/<PREFIX>) are installed: they are what a host may
+# include. The library's other headers end in _p.h and stay in the source tree; tests and
+# fuzzers reach them through the build tree's include root.
 function(fastpanel_shared_library target)
-  cmake_parse_arguments(ARG "" "PREFIX;ROOT" "" ${ARGN})
+  cmake_parse_arguments(ARG "" "PREFIX;ROOT;EXPORT_NAME" "PUBLIC_HEADERS" ${ARGN})
+  if(NOT ARG_PUBLIC_HEADERS)
+    message(FATAL_ERROR "fastpanel_shared_library(${target}): name its PUBLIC_HEADERS")
+  endif()
   string(TOUPPER "${target}" upper)
   generate_export_header(${target}
     BASE_NAME ${upper}
@@ -28,6 +35,9 @@ function(fastpanel_shared_library target)
   set_target_properties(${target} PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
+  if(ARG_EXPORT_NAME)
+    set_target_properties(${target} PROPERTIES EXPORT_NAME ${ARG_EXPORT_NAME})
+  endif()
   if(UNIX AND NOT APPLE)
     # The libraries find each other in their own folder, wherever the package is installed.
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -37,9 +47,13 @@ function(fastpanel_shared_library target)
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(DIRECTORY "${ARG_ROOT}/${ARG_PREFIX}/"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${ARG_PREFIX}"
-    FILES_MATCHING PATTERN "*.h")
+  foreach(header IN LISTS ARG_PUBLIC_HEADERS)
+    if(header MATCHES "_p\\.h$")
+      message(FATAL_ERROR "${target}: ${header} is private (_p.h) and cannot be installed")
+    endif()
+    get_filename_component(folder "${ARG_PREFIX}/${header}" DIRECTORY)
+    install(FILES "${ARG_ROOT}/${ARG_PREFIX}/${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}")
+  endforeach()
   install(FILES "${FASTPANEL_GENERATED_INCLUDE_DIR}/${ARG_PREFIX}/${target}_export.h"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${ARG_PREFIX}")
 endfunction()

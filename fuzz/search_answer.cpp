@@ -2,7 +2,7 @@
 
 #include "AnswerInput.h"
 
-#include <osdu/SearchAnswer.h>
+#include <osdu/SearchAnswer_p.h>
 
 #include <stdexcept>
 

@@ -2,7 +2,7 @@
 
 #include "AnswerInput.h"
 
-#include <osdu/TokenAnswer.h>
+#include <osdu/TokenAnswer_p.h>
 
 #include <cstdlib>
 

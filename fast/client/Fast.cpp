@@ -1,6 +1,6 @@
 #include <fast/client/Fast.h>
 
-#include <fast/client/Utf8Text.h>
+#include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
 
 #include <korvane/MDEventBus.h>

@@ -1,4 +1,4 @@
-#include "ListingReader.h"
+#include "ListingReader_p.h"
 
 #include <Poco/Dynamic/Var.h>
 #include <Poco/JSON/Array.h>

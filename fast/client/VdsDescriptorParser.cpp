@@ -1,6 +1,6 @@
 #include <fast/client/VdsDescriptorParser.h>
 
-#include "ListingReader.h"
+#include "ListingReader_p.h"
 
 #include <Poco/Exception.h>
 #include <Poco/JSON/Array.h>

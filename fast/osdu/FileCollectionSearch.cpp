@@ -1,8 +1,8 @@
 #include <fast/osdu/FileCollectionSearch.h>
 
-#include <fast/client/Utf8Text.h>
+#include <fast/client/Utf8Text_p.h>
 #include <fast/osdu/OsduSettingsKeys.h>
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 
 #include <osdu/FileCollection.h>
 #include <osdu/Search.h>

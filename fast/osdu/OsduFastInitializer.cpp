@@ -1,7 +1,7 @@
 #include <fast/osdu/OsduFastInitializer.h>
 
 #include <fast/osdu/OsduSettingsKeys.h>
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 
 #include <osdu/AWSOsduAuthProvider.h>
 #include <osdu/AzureOsduAuthProvider.h>

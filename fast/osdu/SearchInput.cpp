@@ -3,7 +3,7 @@
 #include <fast/osdu/FileCollectionSearch.h>
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduSettingsKeys.h>
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 
 #include <osdu/OsduAuthProvider.h>
 #include <osdu/OsduHttpClient.h>

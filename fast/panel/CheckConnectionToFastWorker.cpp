@@ -1,7 +1,7 @@
 #include <fast/panel/CheckConnectionToFastWorker.h>
 
 #include <fast/client/Fast.h>
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 
 #include <QThread>
 

@@ -2,7 +2,7 @@
 
 #include <fast/client/Fast.h>
 #include <fast/panel/MountNewVolume.h>
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 #include <fast/trees/FastTreeModel.h>
 #include <fast/trees/FastTreeView.h>
 

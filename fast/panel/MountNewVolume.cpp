@@ -3,7 +3,7 @@
 #include <fast/client/Fast.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 
 #include <korvane/IconXPMHandler.h>
 #include <korvane/MDEventBus.h>

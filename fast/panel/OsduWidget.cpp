@@ -1,15 +1,15 @@
 #include <fast/panel/OsduWidget.h>
 
 #include <fast/client/Fast.h>
-#include <fast/client/Utf8Text.h>
+#include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduTreeModel.h>
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/MountNewVolume.h>
-#include <fast/panel/PanelMessages.h>
-#include <fast/panel/VdsRegistration.h>
+#include <fast/panel/PanelMessages_p.h>
+#include <fast/panel/VdsRegistration_p.h>
 #include <fast/trees/FastSortFilterProxyModel.h>
 #include <fast/trees/OsduTreeDelegate.h>
 #include <fast/trees/OsduTreeView.h>

@@ -1,4 +1,4 @@
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 
 #include <korvane/MDEventBus.h>
 

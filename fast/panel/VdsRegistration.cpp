@@ -1,9 +1,9 @@
-#include <fast/panel/VdsRegistration.h>
+#include <fast/panel/VdsRegistration_p.h>
 
 #include <fast/client/Fast.h>
-#include <fast/client/Utf8Text.h>
+#include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
-#include <fast/panel/PanelMessages.h>
+#include <fast/panel/PanelMessages_p.h>
 
 #include <osdu/HttpResponse.h>
 

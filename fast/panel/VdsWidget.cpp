@@ -1,11 +1,11 @@
 #include <fast/panel/VdsWidget.h>
 
 #include <fast/client/Fast.h>
-#include <fast/client/Utf8Text.h>
+#include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/panel/MountNewVolume.h>
-#include <fast/panel/PanelMessages.h>
-#include <fast/panel/VdsRegistration.h>
+#include <fast/panel/PanelMessages_p.h>
+#include <fast/panel/VdsRegistration_p.h>
 #include <fast/trees/FastSortFilterProxyModel.h>
 #include <fast/trees/VdsTreeDelegate.h>
 #include <fast/trees/VdsTreeModel.h>

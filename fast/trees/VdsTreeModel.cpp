@@ -1,6 +1,6 @@
 #include <fast/trees/VdsTreeModel.h>
 
-#include <fast/client/Utf8Text.h>
+#include <fast/client/Utf8Text_p.h>
 #include <fast/osdu/OsduTreeItem.h>
 
 namespace fast {

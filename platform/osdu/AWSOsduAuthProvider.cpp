@@ -1,6 +1,6 @@
 #include <osdu/AWSOsduAuthProvider.h>
 
-#include "TokenEndpoint.h"
+#include "TokenEndpoint_p.h"
 
 namespace osdu {
 

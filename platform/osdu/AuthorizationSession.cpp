@@ -1,4 +1,4 @@
-#include "AuthorizationSession.h"
+#include "AuthorizationSession_p.h"
 
 #include <QCryptographicHash>
 #include <QHostAddress>

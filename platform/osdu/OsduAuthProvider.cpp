@@ -1,7 +1,7 @@
 #include <osdu/OsduAuthProvider.h>
 
-#include "AuthorizationSession.h"
-#include "TransportSecurity.h"
+#include "AuthorizationSession_p.h"
+#include "TransportSecurity_p.h"
 
 #include <QDesktopServices>
 

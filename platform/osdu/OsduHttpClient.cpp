@@ -2,7 +2,7 @@
 
 #include <osdu/OsduAuthProvider.h>
 
-#include "TransportSecurity.h"
+#include "TransportSecurity_p.h"
 
 #include <stdexcept>
 

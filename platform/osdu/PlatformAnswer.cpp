@@ -1,4 +1,4 @@
-#include "PlatformAnswer.h"
+#include "PlatformAnswer_p.h"
 
 #include <Poco/Exception.h>
 #include <Poco/JSON/Parser.h>

@@ -1,6 +1,6 @@
 #include <osdu/Search.h>
 
-#include "SearchAnswer.h"
+#include "SearchAnswer_p.h"
 
 #include <osdu/OsduHttpClient.h>
 

@@ -1,6 +1,6 @@
-#include "SearchAnswer.h"
+#include "SearchAnswer_p.h"
 
-#include "PlatformAnswer.h"
+#include "PlatformAnswer_p.h"
 
 #include <Poco/JSON/Array.h>
 

@@ -1,6 +1,6 @@
 #include <osdu/Storage.h>
 
-#include "PlatformAnswer.h"
+#include "PlatformAnswer_p.h"
 
 #include <osdu/OsduHttpClient.h>
 #include <osdu/StorageRecordFactory.h>

@@ -1,4 +1,4 @@
-#include "TokenAnswer.h"
+#include "TokenAnswer_p.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,4 +1,4 @@
-#include "TokenEndpoint.h"
+#include "TokenEndpoint_p.h"
 
 #include <osdu/CurlSession.h>
 

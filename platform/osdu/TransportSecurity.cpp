@@ -1,4 +1,4 @@
-#include "TransportSecurity.h"
+#include "TransportSecurity_p.h"
 
 #include <QHostAddress>
 #include <QString>

@@ -10,12 +10,27 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
+
+# Only public headers are installed, and each of them compiles with the installed ones alone:
+# the consumer builds one source that includes every installed header.
+file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/include" "${WORK_DIR}/prefix/include/*.h")
+list(FILTER installed INCLUDE REGEX "_p\\.h$")
+if(installed)
+  message(FATAL_ERROR "private headers installed: ${installed}")
+endif()
+file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/include" "${WORK_DIR}/prefix/include/*.h")
+set(every_header "// Written by the package test: every installed header, each included once.\n")
+foreach(header IN LISTS installed)
+  string(APPEND every_header "#include <${header}>\n")
+endforeach()
+file(WRITE "${WORK_DIR}/every_header.cpp" "${every_header}")
 # A sanitized library needs its runtime loaded first, so the consumer is built the same way.
 set(consumer_flags "")
 if(SANITIZE)
   set(consumer_flags "-DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE}")
 endif()
 run(${CMAKE_COMMAND} -S "${CONSUMER_DIR}" -B "${WORK_DIR}/build" -G "${GENERATOR}"
-    "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix" ${consumer_flags})
+    "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix" "-DEVERY_HEADER_SOURCE=${WORK_DIR}/every_header.cpp"
+    ${consumer_flags})
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 run("${WORK_DIR}/build/consumer")

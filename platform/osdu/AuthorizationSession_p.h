@@ -2,7 +2,7 @@
 
 // Internal to the library: the provider's state and one sign-in attempt.
 
-#include "TokenEndpoint.h"
+#include "TokenEndpoint_p.h"
 
 #include <osdu/OsduAuthProvider.h>
 

@@ -2,7 +2,7 @@
 
 // Internal to the library: one exchange with an OAuth 2.0 token endpoint.
 
-#include "TokenAnswer.h"
+#include "TokenAnswer_p.h"
 
 #include <QByteArray>
 
