@@ -18,7 +18,10 @@
 
 namespace fast {
 
+const std::string FAST_GROUP = "FAST";
+const std::string FAST_HOST = "FAST_HOST";
 const std::string FAST_PORT = "FAST_PORT";
+const std::string FAST_MOUNT_POINT = "FAST_MOUNT_POINT";
 
 namespace {
 
@@ -122,7 +125,7 @@ Poco::JSON::Object::Ptr range(std::int32_t min, std::int32_t max)
 } // namespace
 
 Fast::Fast(const std::string& host)
-    : m_baseUrl("http://" + host + ':' + osdu::getSettingValue("FAST", FAST_PORT, "27182"))
+    : m_baseUrl("http://" + host + ':' + osdu::getSettingValue(FAST_GROUP, FAST_PORT, "27182"))
 {
 }
 

@@ -15,8 +15,12 @@ class HttpResponse;
 
 namespace fast {
 
-// The settings key of FAST's port in the group "FAST".
+// The settings keys, in the group "FAST", of where the service is: its host (default
+// "localhost"), its port (default "27182") and the root of its virtual drive (default "K:").
+FASTPANEL_EXPORT extern const std::string FAST_GROUP;
+FASTPANEL_EXPORT extern const std::string FAST_HOST;
 FASTPANEL_EXPORT extern const std::string FAST_PORT;
+FASTPANEL_EXPORT extern const std::string FAST_MOUNT_POINT;
 
 // The client of the FAST service. Every call is synchronous, over plain HTTP, with a fresh
 // session and no time-out; status 0 in a response means the service could not be reached. The

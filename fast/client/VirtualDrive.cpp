@@ -1,5 +1,7 @@
 #include <fast/client/VirtualDrive.h>
 
+#include <fast/client/Fast.h>
+
 #include <osdu/Settings.h>
 
 #include <QDir>
@@ -24,7 +26,7 @@ QString cleanDrivePath(QString path)
 
 QString mountPoint()
 {
-    return cleanDrivePath(QString::fromStdString(osdu::getSettingValue("FAST", "FAST_MOUNT_POINT", "K:")));
+    return cleanDrivePath(QString::fromStdString(osdu::getSettingValue(FAST_GROUP, FAST_MOUNT_POINT, "K:")));
 }
 
 bool isMountedInVirtualDrive(const QString& path)

@@ -1,5 +1,6 @@
 #include <fast/osdu/OsduFastInitializer.h>
 
+#include <fast/client/Fast.h>
 #include <fast/osdu/OsduSettingsKeys.h>
 #include <fast/panel/PanelMessages_p.h>
 
@@ -139,7 +140,7 @@ std::shared_ptr<OsduFastInitializer> OsduFastInitializer::currentInstance()
 
 int OsduFastInitializer::authenticationTimeoutMs()
 {
-    return QSettings().value("FAST/" + key(OSDU_AUTHENTICATION_TIMEOUT), 5).toInt() * 1000;
+    return QSettings().value(key(FAST_GROUP) + "/" + key(OSDU_AUTHENTICATION_TIMEOUT), 5).toInt() * 1000;
 }
 
 std::string OsduFastInitializer::getCloudProviderSettingsGroup(eCloudProvider provider)

@@ -1,5 +1,7 @@
 #include "SettingsDialog.h"
 
+#include <fast/client/Fast.h>
+
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
@@ -16,11 +18,13 @@
 
 namespace {
 
-// The library's own defaults, shown when the store holds no value yet.
-const char* const kHostKey = "FAST/FAST_HOST";
-const char* const kPortKey = "FAST/FAST_PORT";
-const char* const kMountPointKey = "FAST/FAST_MOUNT_POINT";
-const char* const kDefaultHost = "localhost";
+// A key of the library's group "FAST".
+QString fastKey(const std::string& name)
+{
+    return QString::fromStdString(fast::FAST_GROUP + '/' + name);
+}
+
+// The library's own defaults, shown when the store holds no value yet.const char* const kDefaultHost = "localhost";
 const char* const kDefaultPort = "27182";
 const char* const kDefaultMountPoint = "K:";
 
@@ -33,12 +37,12 @@ SettingsDialog::SettingsDialog(QWidget* parent)
     setMinimumWidth(520);
 
     const QSettings settings;
-    m_host->setText(settings.value(kHostKey, kDefaultHost).toString());
+    m_host->setText(settings.value(fastKey(fast::FAST_HOST), kDefaultHost).toString());
     m_host->setPlaceholderText(kDefaultHost);
-    m_port->setText(settings.value(kPortKey, kDefaultPort).toString());
+    m_port->setText(settings.value(fastKey(fast::FAST_PORT), kDefaultPort).toString());
     m_port->setPlaceholderText(kDefaultPort);
     m_port->setValidator(new QIntValidator(1, 65535, m_port));
-    m_mountPoint->setText(settings.value(kMountPointKey, kDefaultMountPoint).toString());
+    m_mountPoint->setText(settings.value(fastKey(fast::FAST_MOUNT_POINT), kDefaultMountPoint).toString());
     m_mountPoint->setPlaceholderText(kDefaultMountPoint);
     m_mountPoint->setToolTip(tr("The folder or drive where FAST shows the mounted files"));
 
@@ -83,8 +87,9 @@ QString SettingsDialog::summary()
 {
     const QSettings settings;
     return tr("FAST at %1:%2, mount point %3")
-        .arg(settings.value(kHostKey, kDefaultHost).toString(), settings.value(kPortKey, kDefaultPort).toString(),
-             QDir::toNativeSeparators(settings.value(kMountPointKey, kDefaultMountPoint).toString()));
+        .arg(settings.value(fastKey(fast::FAST_HOST), kDefaultHost).toString(),
+             settings.value(fastKey(fast::FAST_PORT), kDefaultPort).toString(),
+             QDir::toNativeSeparators(settings.value(fastKey(fast::FAST_MOUNT_POINT), kDefaultMountPoint).toString()));
 }
 
 void SettingsDialog::browseMountPoint()
@@ -98,16 +103,16 @@ void SettingsDialog::save()
 {
     // An emptied field means "the default", as the library reads a missing key.
     QSettings settings;
-    const auto store = [&settings](const char* key, const QLineEdit* field) {
+    const auto store = [&settings](const QString& key, const QLineEdit* field) {
         const QString value = field->text().trimmed();
         if (value.isEmpty())
             settings.remove(key);
         else
             settings.setValue(key, value);
     };
-    store(kHostKey, m_host);
-    store(kPortKey, m_port);
-    store(kMountPointKey, m_mountPoint);
+    store(fastKey(fast::FAST_HOST), m_host);
+    store(fastKey(fast::FAST_PORT), m_port);
+    store(fastKey(fast::FAST_MOUNT_POINT), m_mountPoint);
     settings.sync();
     accept();
 }

@@ -1,8 +1,10 @@
 // fast-panel-demo: a small host application around the FAST panel. It docks the panel, keeps a
 // project (a folder and the files the panel added to it), shows the event bus and edits the
-// FAST settings. With --screenshot or --tour it drives the panel by itself and takes pictures,
-// headless when there is no display.
+// FAST settings. With --emulators it runs the FAST and OSDU emulators in its own process and
+// points its settings at them. With --screenshot or --tour it drives the panel by itself and
+// takes pictures, headless when there is no display.
 
+#include "DemoServices.h"
 #include "DemoWindow.h"
 #include "ScriptedTour.h"
 
@@ -60,7 +62,12 @@ int main(int argc, char** argv)
     const QCommandLineOption mountOption("mount",
                                          "The .vds file that --screenshot and --tour mount. Default: a made-up one.",
                                          "PATH");
-    parser.addOptions({projectOption, screenshotOption, tourOption, mountOption});
+    const QCommandLineOption emulatorsOption(
+        "emulators",
+        "Run the FAST and OSDU emulators in this process, with their virtual drive, sample volumes and the demo's "
+        "settings (pointing at them) under DIR. --screenshot and --tour then mount one of the samples.",
+        "DIR");
+    parser.addOptions({projectOption, screenshotOption, tourOption, mountOption, emulatorsOption});
     if (!parser.parse(QCoreApplication::arguments()))
         return usageError(parser, parser.errorText());
     if (parser.isSet("help")) {
@@ -76,6 +83,17 @@ int main(int argc, char** argv)
         return usageError(parser, QStringLiteral("--mount goes with --screenshot or --tour"));
     if (headless && !scripted)
         return usageError(parser, QStringLiteral("there is no display; use --screenshot or --tour to run headless"));
+
+    std::unique_ptr<DemoServices> services;
+    if (parser.isSet(emulatorsOption)) {
+        services = std::make_unique<DemoServices>(parser.value(emulatorsOption));
+        if (!services->start()) {
+            std::fprintf(stderr, "fast-panel-demo: %s\n", qPrintable(services->error()));
+            return 1;
+        }
+        if (scripted && tour.samplePath.isEmpty())
+            tour.samplePath = services->samplePath();
+    }
 
     std::unique_ptr<QTemporaryDir> temporaryProject;
     QString projectFolder = parser.value(projectOption);
