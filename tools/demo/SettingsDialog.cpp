@@ -24,7 +24,8 @@ QString fastKey(const std::string& name)
     return QString::fromStdString(fast::FAST_GROUP + '/' + name);
 }
 
-// The library's own defaults, shown when the store holds no value yet.const char* const kDefaultHost = "localhost";
+// The library's own defaults, shown when the store holds no value yet.
+const char* const kDefaultHost = "localhost";
 const char* const kDefaultPort = "27182";
 const char* const kDefaultMountPoint = "K:";
 
