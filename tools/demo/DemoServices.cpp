@@ -126,7 +126,9 @@ bool DemoServices::registerDatasetsInFast()
         const std::string folder = emulator::OsduEmulator::kDefaultSeedPrefix
                                    + QStringLiteral("vol-%1/").arg(number, 4, 10, QChar('0')).toStdString();
         const std::string url = fast::modifyVdsFilepath(folder);
-        if (client.registerVds(url)->getResponse() != 200) {
+        // 409: known from an earlier run on the same work folder, whose state FAST kept.
+        const int status = client.registerVds(url)->getResponse();
+        if (status != 200 && status != 409) {
             m_error = QStringLiteral("the FAST emulator did not take %1").arg(QString::fromStdString(url));
             return false;
         }
