@@ -12,6 +12,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QHeaderView>
+#include <QToolTip>
 #include <QtTest>
 
 namespace {
@@ -54,6 +55,26 @@ void click(fast::FastTreeView& view, std::initializer_list<int> path, int column
     QTest::mouseClick(view.viewport(), button, {}, centreOf(view, cellAt(view, path, column)));
 }
 
+// The key pressed on the row at path, which the tree makes current first.
+void press(fast::FastTreeView& view, std::initializer_list<int> path, Qt::Key key)
+{
+    view.setCurrentIndex(cellAt(view, path, 0));
+    QTest::keyClick(&view, key);
+}
+
+// The tool tip the view shows over the cell, empty when it shows none.
+QString toolTipOver(fast::FastTreeView& view, std::initializer_list<int> path, int column)
+{
+    // A tip fades out a moment after it is told to hide.
+    QToolTip::hideText();
+    if (!QTest::qWaitFor([] { return !QToolTip::isVisible(); }))
+        return "a tip that stays";
+    const QPoint at = centreOf(view, cellAt(view, path, column));
+    QHelpEvent event(QEvent::ToolTip, at, view.viewport()->mapToGlobal(at));
+    QApplication::sendEvent(view.viewport(), &event);
+    return QToolTip::isVisible() ? QToolTip::text() : QString();
+}
+
 } // namespace
 
 class TreeViewsTest : public QObject
@@ -63,6 +84,8 @@ class TreeViewsTest : public QObject
 private Q_SLOTS:
     void vdsIconsUnmountVolumesAndDeleteFiles();
     void osduIconsMountAndUnmount();
+    void keysRunTheCurrentRowsIcons();
+    void iconsAndCutNamesSayWhatTheyAre();
     void hoverFollowsTheMouseAndClearsOnLeave();
     void disconnectingHidesIconsAndKeepsRecords();
     void childrenTakeTheirParentsStripe();
@@ -98,6 +121,72 @@ void TreeViewsTest::osduIconsMountAndUnmount()
     click(view, {0, 0, 0}, 3);
     click(view, {0}, 2, Qt::MiddleButton);
     QCOMPARE(log.calls, QStringList({"mount cube", "mount fresh", "unmount v1 with 2 files", "mount cube"}));
+}
+
+void TreeViewsTest::keysRunTheCurrentRowsIcons()
+{
+    // Delete is the row's unmount or delete icon, Enter and Return its mount icon: never the
+    // other way round, and nothing on a row without that icon.
+    fast::VdsTreeView vds;
+    prepare<fast::VdsTreeView, fast::VdsTreeDelegate>(vds);
+    SignalLog vdsLog(vds);
+    press(vds, {0}, Qt::Key_Return);
+    press(vds, {0}, Qt::Key_Delete);
+    press(vds, {0, 0, 1}, Qt::Key_Enter);
+    press(vds, {0, 0, 1}, Qt::Key_Delete);
+    press(vds, {1}, Qt::Key_Delete);    // no FAST id
+    press(vds, {0, 1}, Qt::Key_Delete); // the "Id" row
+    QCOMPARE(vdsLog.calls, QStringList({"unmount v1 with 2 files", "delete f2 of v1"}));
+
+    fast::OsduTreeView osdu;
+    prepare<fast::OsduTreeView, fast::OsduTreeDelegate>(osdu);
+    SignalLog osduLog(osdu);
+    press(osdu, {0}, Qt::Key_Return);
+    press(osdu, {1}, Qt::Key_Enter);
+    press(osdu, {0}, Qt::Key_Delete);
+    press(osdu, {1}, Qt::Key_Delete);
+    press(osdu, {0, 0, 0}, Qt::Key_Delete); // a file row's only icon is in the mount column
+    press(osdu, {0, 0, 0}, Qt::Key_Return);
+    QCOMPARE(osduLog.calls, QStringList({"mount cube", "mount fresh", "unmount v1 with 2 files", "mount cube"}));
+
+    // The arrows still move through the rows.
+    press(osdu, {0}, Qt::Key_Down);
+    QCOMPARE(osdu.currentIndex(), cellAt(osdu, {0, 0}, 0));
+}
+
+void TreeViewsTest::iconsAndCutNamesSayWhatTheyAre()
+{
+    fast::OsduTreeView osdu;
+    prepare<fast::OsduTreeView, fast::OsduTreeDelegate>(osdu);
+    const QList<std::pair<QModelIndex, QString>> osduCells = {
+        {cellAt(osdu, {0}, 2), "Mount cube"},       {cellAt(osdu, {0}, 3), "Unmount cube"},
+        {cellAt(osdu, {1}, 2), "Mount fresh"},      {cellAt(osdu, {1}, 3), QString()},
+        {cellAt(osdu, {0, 0, 0}, 2), "Mount cube"},
+    };
+    fast::VdsTreeView vds;
+    prepare<fast::VdsTreeView, fast::VdsTreeDelegate>(vds);
+    vds.model()->addFile("v1", "f3", "north-sea-shallow"); // mounted now: its row is added alone
+    const QList<std::pair<QModelIndex, QString>> vdsCells = {
+        {cellAt(vds, {0, 0, 2}, 2), "Delete file north-sea-shallow"},
+        {cellAt(vds, {0}, 2), "Unmount cube"},
+        {cellAt(vds, {0, 0, 1}, 2), "Delete file b"},
+        {cellAt(vds, {1}, 2), QString()},
+    };
+    for (const auto& [cell, text] : osduCells + vdsCells) {
+        QCOMPARE(cell.data(Qt::ToolTipRole).toString(), text);
+        QCOMPARE(cell.data(Qt::AccessibleTextRole).toString(), text);
+    }
+    QCOMPARE(toolTipOver(osdu, {0}, 3), QString("Unmount cube"));
+
+    // Filled, the name column fits the deepest name; cut short, a name shows whole as a tip.
+    const QString longName = "a-file-name-long-enough-to-need-room.vds";
+    vds.model()->addVds(fast::VdsModel("", "short", "", "", "v9", "/d/short.vds", {{"f9", longName.toStdString()}}));
+    vds.refresh();
+    vds.expandAll();
+    QCOMPARE(toolTipOver(vds, {2, 0, 0}, 0), QString());
+    vds.header()->resizeSection(0, 60);
+    QCOMPARE(toolTipOver(vds, {2, 0, 0}, 0), longName);
+    QCOMPARE(toolTipOver(vds, {2, 1}, 0), QString()); // "Id" fits
 }
 
 void TreeViewsTest::hoverFollowsTheMouseAndClearsOnLeave()

@@ -16,9 +16,13 @@ OsduTreeItem::OsduTreeItem(const QString& text, int datasetIndex, int fileIndex)
     setData(fileIndex, FileIndexRole);
 }
 
-void OsduTreeItem::setAction()
+void OsduTreeItem::setAction(const QString& description)
 {
     setData(true, ActionRole);
+    if (description.isEmpty())
+        return;
+    setData(description, Qt::ToolTipRole);
+    setData(description, Qt::AccessibleTextRole);
 }
 
 } // namespace fast

@@ -18,8 +18,9 @@ public:
     OsduTreeItem(const QString& text, int datasetIndex);
     OsduTreeItem(const QString& text, int datasetIndex, int fileIndex);
 
-    // Marks the cell as one that shows an action icon.
-    void setAction();
+    // Marks the cell as one that shows an action icon. The description says what a click on it
+    // does ("Mount north-sea.vds"): the cell's tool tip and its accessible text.
+    void setAction(const QString& description = QString());
 };
 
 } // namespace fast

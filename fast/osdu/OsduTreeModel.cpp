@@ -21,8 +21,9 @@ void OsduTreeModel::populate()
     for (int i = 0; i < m_vdsList.size(); ++i) {
         const VdsModel& dataset = m_vdsList.at(i);
         QList<QStandardItem*> top = makeRow({dataset.name, dataset.description}, i);
-        static_cast<OsduTreeItem*>(top[2])->setAction();
-        static_cast<OsduTreeItem*>(top[3])->setAction();
+        static_cast<OsduTreeItem*>(top[2])->setAction(mountText(dataset.name));
+        // Unmounting is for datasets FAST knows; the icon shows only then.
+        static_cast<OsduTreeItem*>(top[3])->setAction(dataset.vdsId.empty() ? QString() : unmountText(dataset.name));
 
         const QList<QStandardItem*> filesRow = makeRow({"Files"}, i);
         appendChild(top.first(), filesRow);
@@ -30,7 +31,8 @@ void OsduTreeModel::populate()
             const VdsFile& file = dataset.files[static_cast<std::size_t>(k)];
             QList<QStandardItem*> fileRow =
                 makeRow({QString::fromStdString(file.fileName), QString::fromStdString(file.fileId)}, i, k);
-            static_cast<OsduTreeItem*>(fileRow[2])->setAction();
+            // The mount cell of a file row mounts its dataset again.
+            static_cast<OsduTreeItem*>(fileRow[2])->setAction(mountText(dataset.name));
             // Only the name, id and action cells stand for the file.
             fileRow[3]->setData(-1, FileIndexRole);
             appendChild(filesRow.first(), fileRow);

@@ -1,7 +1,11 @@
 #include <fast/trees/FastTreeDelegate.h>
 
+#include <QAbstractItemView>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QSortFilterProxyModel>
+#include <QStyle>
+#include <QToolTip>
 
 namespace fast {
 
@@ -34,6 +38,23 @@ QSize FastTreeDelegate::sizeHint(const QStyleOptionViewItem& option, const QMode
     if (index.column() == 2)
         hint.setWidth(kIconColumnWidth);
     return hint;
+}
+
+bool FastTreeDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                                 const QModelIndex& index)
+{
+    if (!event || !view || event->type() != QEvent::ToolTip || index.data(Qt::ToolTipRole).isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QStyleOptionViewItem cell(option);
+    initStyleOption(&cell, index);
+    const QWidget* widget = cell.widget ? cell.widget : view;
+    const QRect textRect = widget->style()->subElementRect(QStyle::SE_ItemViewItemText, &cell, widget);
+    if (cell.text.isEmpty() || cell.fontMetrics.horizontalAdvance(cell.text) <= textRect.width()) {
+        QToolTip::hideText();
+        return true;
+    }
+    QToolTip::showText(event->globalPos(), cell.text, view->viewport(), option.rect);
+    return true;
 }
 
 void FastTreeDelegate::paintIcon(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,

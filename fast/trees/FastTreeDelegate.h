@@ -24,6 +24,9 @@ public:
     QSortFilterProxyModel* proxyModel() const { return m_proxyModel; }
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    // A cell's own tool tip; else, for a text its column cuts short, the whole text.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
 
 protected:
     // Draws the pixmap alone, centred in the cell: no text, background or selection. Loaded

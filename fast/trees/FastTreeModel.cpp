@@ -96,7 +96,7 @@ void FastTreeModel::addFile(const std::string& vdsId, const std::string& fileId,
         vdsRow->insertRow(0, makeRow({kFilesRow}, index));
 
     QList<QStandardItem*> fileRow = makeRow({text(fileName), text(fileId)}, index, fileIndex);
-    static_cast<OsduTreeItem*>(fileRow.last())->setAction();
+    static_cast<OsduTreeItem*>(fileRow.last())->setAction(deleteFileText(text(fileName)));
     appendChild(vdsRow->child(0), fileRow);
 }
 
@@ -155,6 +155,21 @@ void FastTreeModel::rebuildWithout(const std::string& vdsId)
     clearRows();
     removeVdsRecord(vdsId);
     populate();
+}
+
+QString FastTreeModel::mountText(const QString& volumeName)
+{
+    return tr("Mount %1").arg(volumeName);
+}
+
+QString FastTreeModel::unmountText(const QString& volumeName)
+{
+    return tr("Unmount %1").arg(volumeName);
+}
+
+QString FastTreeModel::deleteFileText(const QString& fileName)
+{
+    return tr("Delete file %1").arg(fileName);
 }
 
 int FastTreeModel::indexOf(const std::string& vdsId) const

@@ -64,6 +64,10 @@ protected:
     void rebuildWithout(const std::string& vdsId);
     // The first record with that id, or -1.
     int indexOf(const std::string& vdsId) const;
+    // What an action cell does, as its tool tip and accessible text say it.
+    static QString mountText(const QString& volumeName);
+    static QString unmountText(const QString& volumeName);
+    static QString deleteFileText(const QString& fileName);
 
     QList<VdsModel> m_vdsList;
 };

@@ -7,6 +7,7 @@
 #include <fast/trees/TreeRoles.h>
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -74,10 +75,21 @@ void FastTreeView::clear()
 void FastTreeView::refresh()
 {
     m_model->populate();
+    header()->resizeSection(0, widestName(QModelIndex(), 0) + kTextMargin);
+}
+
+int FastTreeView::widestName(const QModelIndex& parent, int depth) const
+{
+    // The names of the rows below parent, each after its indentation, so that an opened row's
+    // file names show in full too.
     int widest = 0;
-    for (const VdsModel& vds : m_model->vdsList())
-        widest = std::max(widest, fontMetrics().horizontalAdvance(vds.name));
-    header()->resizeSection(0, widest + kTextMargin);
+    for (int row = 0; row < m_model->rowCount(parent); ++row) {
+        const QModelIndex name = m_model->index(row, 0, parent);
+        widest = std::max(widest, depth * indentation() + fontMetrics().horizontalAdvance(name.data().toString()));
+        if (m_model->hasChildren(name))
+            widest = std::max(widest, widestName(name, depth + 1));
+    }
+    return widest;
 }
 
 void FastTreeView::emitUnmountOrDelete(const VdsModel& vds, int fileIndex)
@@ -102,6 +114,43 @@ void FastTreeView::mousePressEvent(QMouseEvent* event)
     const std::optional<VdsModel> vds = m_model->vdsAt(recordIndex);
     if (event->button() == Qt::LeftButton && vds && action)
         onActionClicked(*vds, fileIndex, sourceIndex);
+}
+
+void FastTreeView::keyPressEvent(QKeyEvent* event)
+{
+    // The last column holds the unmount or delete icon on every page; a mount icon, where a page
+    // has one, stands before it.
+    const int deleteColumn = m_model ? m_model->columnCount() - 1 : -1;
+    bool handled = false;
+    switch (event->key()) {
+    case Qt::Key_Delete:
+        handled = runActionOfCurrentRow(deleteColumn);
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        for (int column = 2; column < deleteColumn && !handled; ++column)
+            handled = runActionOfCurrentRow(column);
+        break;
+    default:
+        break;
+    }
+    if (handled)
+        event->accept();
+    else
+        QTreeView::keyPressEvent(event);
+}
+
+bool FastTreeView::runActionOfCurrentRow(int column)
+{
+    const QModelIndex current = m_proxyModel->mapToSource(currentIndex());
+    if (!current.isValid() || column < 0)
+        return false;
+    const QModelIndex cell = current.siblingAtColumn(column);
+    const std::optional<VdsModel> vds = m_model->vdsAt(cell.data(VdsIndexRole).toInt());
+    if (!vds || !cell.data(ActionRole).toBool())
+        return false;
+    onActionClicked(*vds, cell.data(FileIndexRole).toInt(), cell);
+    return true;
 }
 
 void FastTreeView::mouseMoveEvent(QMouseEvent* event)

@@ -33,7 +33,8 @@ public:
     // Empties the tree: rows and records.
     void clear();
 
-    // Rebuilds the rows from the records and fits column 0 to the longest name.
+    // Rebuilds the rows from the records and fits column 0 to the longest name, the names of
+    // files and details under a volume included.
     virtual void refresh();
     virtual void onActionClicked(const VdsModel& vds, int fileIndex, const QModelIndex& sourceIndex) = 0;
 
@@ -50,6 +51,9 @@ protected:
     void emitUnmountOrDelete(const VdsModel& vds, int fileIndex);
 
     void mousePressEvent(QMouseEvent* event) override;
+    // Enter or Return: the mount action of the current row, if it has one; Delete: its unmount or
+    // delete action. As a click on that icon does; anything else is the tree's usual keys.
+    void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     int sizeHintForColumn(int column) const override;
@@ -59,6 +63,9 @@ private:
     void onFilterColumns(int logicalIndex);
     void onSectionResized(int logicalIndex, int oldSize, int newSize);
     void setHovered(const QModelIndex& index);
+    int widestName(const QModelIndex& parent, int depth) const;
+    // Runs the action of the current row's cell in column, when that cell has one.
+    bool runActionOfCurrentRow(int column);
 
     FastTreeModel* m_model = nullptr;
     FastSortFilterProxyModel* m_proxyModel = nullptr;

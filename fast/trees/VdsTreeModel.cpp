@@ -22,7 +22,8 @@ void VdsTreeModel::populate()
     for (int i = 0; i < m_vdsList.size(); ++i) {
         const VdsModel& vds = m_vdsList.at(i);
         QList<QStandardItem*> vdsRow = makeRow({vds.name}, i);
-        static_cast<OsduTreeItem*>(vdsRow.last())->setAction();
+        // Unregistered, the icon is drawn but does nothing: nothing to describe.
+        static_cast<OsduTreeItem*>(vdsRow.last())->setAction(vds.vdsId.empty() ? QString() : unmountText(vds.name));
         QStandardItem* parent = vdsRow.first();
 
         if (!vds.files.empty()) {
@@ -31,7 +32,7 @@ void VdsTreeModel::populate()
             for (int k = 0; k < static_cast<int>(vds.files.size()); ++k) {
                 const VdsFile& file = vds.files[static_cast<std::size_t>(k)];
                 QList<QStandardItem*> fileRow = makeRow({text(file.fileName), text(file.fileId)}, i, k);
-                static_cast<OsduTreeItem*>(fileRow.last())->setAction();
+                static_cast<OsduTreeItem*>(fileRow.last())->setAction(deleteFileText(text(file.fileName)));
                 appendChild(filesRow.first(), fileRow);
             }
         }
