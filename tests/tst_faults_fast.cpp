@@ -45,7 +45,7 @@ QStringList driveFiles(const FastEmulatorFixture& fixture)
 
 } // namespace
 
-class FastMountFaultsTest : public QObject
+class FaultsFastTest : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +65,7 @@ private Q_SLOTS:
     void treeHandlersCarryOnPastA500();
 };
 
-void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick_data()
+void FaultsFastTest::failedRegistrationIsRetriedOnTheNextClick_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<QString>("note");
@@ -79,7 +79,7 @@ void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick_data()
     QTest::newRow("connection reset") << broken(Delivery::ResetConnection) << unexpected + "0.";
 }
 
-void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick()
+void FaultsFastTest::failedRegistrationIsRetriedOnTheNextClick()
 {
     QFETCH(Fault, fault);
     QFETCH(QString, note);
@@ -109,7 +109,7 @@ void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick()
     QCOMPARE(boxes.boxes().size(), 1);
 }
 
-void FastMountFaultsTest::failedMountRequestLeavesNothingInFast_data()
+void FaultsFastTest::failedMountRequestLeavesNothingInFast_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<QString>("status");
@@ -119,7 +119,7 @@ void FastMountFaultsTest::failedMountRequestLeavesNothingInFast_data()
                                       << "";
 }
 
-void FastMountFaultsTest::failedMountRequestLeavesNothingInFast()
+void FaultsFastTest::failedMountRequestLeavesNothingInFast()
 {
     QFETCH(Fault, fault);
     QFETCH(QString, status);
@@ -146,7 +146,7 @@ void FastMountFaultsTest::failedMountRequestLeavesNothingInFast()
     QCOMPARE(driveFiles(fixture), QStringList());
 }
 
-void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing_data()
+void FaultsFastTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing_data()
 {
     QTest::addColumn<QString>("route");
     QTest::addColumn<Fault>("fault");
@@ -156,7 +156,7 @@ void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing_da
     QTest::newRow("mount answered null") << "/api/v2/file/" << answering("null");
 }
 
-void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing()
+void FaultsFastTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing()
 {
     QFETCH(QString, route);
     QFETCH(Fault, fault);
@@ -180,7 +180,7 @@ void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing()
     QCOMPARE(q(record.files.at(0).fileId), q(files.front().id));
 }
 
-void FastMountFaultsTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack()
+void FaultsFastTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack()
 {
     FastEmulatorFixture fixture;
     Fault killed;
@@ -220,7 +220,7 @@ void FastMountFaultsTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack
                                                  + ") already registered in Bluware FAST™ with id=" + vdsId + "."));
 }
 
-void FastMountFaultsTest::slowMountAnswerStillEndsTheMount()
+void FaultsFastTest::slowMountAnswerStillEndsTheMount()
 {
     // No time-out guards a FAST request: however long the answer takes, the mount ends on it.
     constexpr int kDelayMs = 2500;
@@ -245,7 +245,7 @@ void FastMountFaultsTest::slowMountAnswerStillEndsTheMount()
     QVERIFY(bus.texts(Error).isEmpty());
 }
 
-void FastMountFaultsTest::projectFolderThatCannotBeWrittenUndoesTheMount()
+void FaultsFastTest::projectFolderThatCannotBeWrittenUndoesTheMount()
 {
     FastEmulatorFixture fixture;
     // Permission bits would not stop root, who runs the suite on CI; a file where the folder
@@ -282,7 +282,7 @@ void FastMountFaultsTest::projectFolderThatCannotBeWrittenUndoesTheMount()
     QCOMPARE(driveFiles(fixture), QStringList());
 }
 
-void FastMountFaultsTest::treeHandlersCarryOnPastA500_data()
+void FaultsFastTest::treeHandlersCarryOnPastA500_data()
 {
     QTest::addColumn<QString>("signal");
     QTest::addColumn<QStringList>("deletes");
@@ -290,7 +290,7 @@ void FastMountFaultsTest::treeHandlersCarryOnPastA500_data()
     QTest::newRow("delete its only file") << "deleteFile" << QStringList({"file/%2", "vds/%1"});
 }
 
-void FastMountFaultsTest::treeHandlersCarryOnPastA500()
+void FaultsFastTest::treeHandlersCarryOnPastA500()
 {
     QFETCH(QString, signal);
     QFETCH(QStringList, deletes);
@@ -330,5 +330,5 @@ void FastMountFaultsTest::treeHandlersCarryOnPastA500()
     QCOMPARE(fixture.emulator().service().files().size(), files.size());
 }
 
-QTEST_MAIN(FastMountFaultsTest)
+QTEST_MAIN(FaultsFastTest)
 #include "tst_faults_fast.moc"
