@@ -8,6 +8,7 @@
 #include "MessageBoxAnswerer.h"
 #include "PanelDriver.h"
 #include "PanelTexts.h"
+#include "ShownVolume.h"
 #include "StdMetaTypes.h"
 #include "VdsPageSession.h"
 
@@ -295,39 +296,30 @@ void FaultsFastTest::treeHandlersCarryOnPastA500()
     QFETCH(QString, signal);
     QFETCH(QStringList, deletes);
     FastEmulatorFixture fixture;
-    const auto client = fixture.client();
-    const std::string vdsId = client->registerVds(kUrl.toStdString())->getMessage();
-    std::vector<fast::VdsFile> files{{client->mountFile(vdsId, "one", "", 0, 1, 0, 1, 0, 1)->getMessage(), "one"}};
-    if (signal == "unmountVds")
-        files.push_back({client->mountFile(vdsId, "two", "", 0, 1, 0, 1, 0, 1)->getMessage(), "two"});
-    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
-    page.widget.init({"/project/one"});
-    QCOMPARE(page.model().vdsCount(), 1);
+    ShownVolume shown(fixture, signal);
+    QCOMPARE(shown.page.model().vdsCount(), 1);
     fixture.emulator().setFault("DELETE", "/api/v2/", failing(500));
     fixture.emulator().clearRequests();
     EventBusRecorder bus;
     MessageBoxAnswerer boxes;
 
-    if (signal == "unmountVds")
-        Q_EMIT page.widget.treeView()->unmountVds(vdsId, files);
-    else
-        Q_EMIT page.widget.treeView()->deleteFile(vdsId, files.front());
+    shown.remove();
 
     // The user is told nothing and the tree goes on as if FAST had done it; FAST keeps it all.
     QStringList expected;
     for (const QString& path : deletes)
         expected << QString("DELETE /api/v2/" + path)
-                        .replace("%1", q(vdsId))
-                        .replace("%2", q(files.front().fileId))
-                        .replace("%3", q(files.back().fileId));
+                        .replace("%1", q(shown.vdsId))
+                        .replace("%2", q(shown.files.front().fileId))
+                        .replace("%3", q(shown.files.back().fileId));
     QCOMPARE(fixture.requestLines(), expected);
     QCOMPARE(bus.texts(Trace).filter("Response from FAST REST API: code=500").size(), deletes.size());
     QVERIFY(bus.texts(Error).isEmpty());
     QVERIFY(boxes.boxes().isEmpty());
-    QCOMPARE(page.removed.size(), int(files.size()));
-    QCOMPARE(page.model().vdsCount(), 0);
+    QCOMPARE(shown.page.removed.size(), int(shown.files.size()));
+    QCOMPARE(shown.page.model().vdsCount(), 0);
     QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
-    QCOMPARE(fixture.emulator().service().files().size(), files.size());
+    QCOMPARE(fixture.emulator().service().files().size(), shown.files.size());
 }
 
 QTEST_MAIN(FaultsFastTest)
