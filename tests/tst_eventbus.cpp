@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-class TestEventBus : public QObject
+class EventBusTest : public QObject
 {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ class TestEventBus : public QObject
         return m_ids.back();
     }
 
-private slots:
+private Q_SLOTS:
     void cleanup()
     {
         for (int id : m_ids)
@@ -86,5 +86,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestEventBus)
+QTEST_GUILESS_MAIN(EventBusTest)
 #include "tst_eventbus.moc"

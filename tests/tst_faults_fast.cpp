@@ -8,6 +8,7 @@
 #include "MessageBoxAnswerer.h"
 #include "PanelDriver.h"
 #include "PanelTexts.h"
+#include "ShownVolume.h"
 #include "StdMetaTypes.h"
 #include "VdsPageSession.h"
 
@@ -45,7 +46,7 @@ QStringList driveFiles(const FastEmulatorFixture& fixture)
 
 } // namespace
 
-class FastMountFaultsTest : public QObject
+class FaultsFastTest : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +66,7 @@ private Q_SLOTS:
     void treeHandlersCarryOnPastA500();
 };
 
-void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick_data()
+void FaultsFastTest::failedRegistrationIsRetriedOnTheNextClick_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<QString>("note");
@@ -79,7 +80,7 @@ void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick_data()
     QTest::newRow("connection reset") << broken(Delivery::ResetConnection) << unexpected + "0.";
 }
 
-void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick()
+void FaultsFastTest::failedRegistrationIsRetriedOnTheNextClick()
 {
     QFETCH(Fault, fault);
     QFETCH(QString, note);
@@ -109,7 +110,7 @@ void FastMountFaultsTest::failedRegistrationIsRetriedOnTheNextClick()
     QCOMPARE(boxes.boxes().size(), 1);
 }
 
-void FastMountFaultsTest::failedMountRequestLeavesNothingInFast_data()
+void FaultsFastTest::failedMountRequestLeavesNothingInFast_data()
 {
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<QString>("status");
@@ -119,7 +120,7 @@ void FastMountFaultsTest::failedMountRequestLeavesNothingInFast_data()
                                       << "";
 }
 
-void FastMountFaultsTest::failedMountRequestLeavesNothingInFast()
+void FaultsFastTest::failedMountRequestLeavesNothingInFast()
 {
     QFETCH(Fault, fault);
     QFETCH(QString, status);
@@ -146,7 +147,7 @@ void FastMountFaultsTest::failedMountRequestLeavesNothingInFast()
     QCOMPARE(driveFiles(fixture), QStringList());
 }
 
-void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing_data()
+void FaultsFastTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing_data()
 {
     QTest::addColumn<QString>("route");
     QTest::addColumn<Fault>("fault");
@@ -156,7 +157,7 @@ void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing_da
     QTest::newRow("mount answered null") << "/api/v2/file/" << answering("null");
 }
 
-void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing()
+void FaultsFastTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing()
 {
     QFETCH(QString, route);
     QFETCH(Fault, fault);
@@ -180,7 +181,7 @@ void FastMountFaultsTest::anAnswerBrokenOffAfterFastActedIsReadFromItsListing()
     QCOMPARE(q(record.files.at(0).fileId), q(files.front().id));
 }
 
-void FastMountFaultsTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack()
+void FaultsFastTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack()
 {
     FastEmulatorFixture fixture;
     Fault killed;
@@ -220,7 +221,7 @@ void FastMountFaultsTest::serviceKilledDuringTheMountStillHoldsTheVolumeWhenBack
                                                  + ") already registered in Bluware FAST™ with id=" + vdsId + "."));
 }
 
-void FastMountFaultsTest::slowMountAnswerStillEndsTheMount()
+void FaultsFastTest::slowMountAnswerStillEndsTheMount()
 {
     // No time-out guards a FAST request: however long the answer takes, the mount ends on it.
     constexpr int kDelayMs = 2500;
@@ -245,7 +246,7 @@ void FastMountFaultsTest::slowMountAnswerStillEndsTheMount()
     QVERIFY(bus.texts(Error).isEmpty());
 }
 
-void FastMountFaultsTest::projectFolderThatCannotBeWrittenUndoesTheMount()
+void FaultsFastTest::projectFolderThatCannotBeWrittenUndoesTheMount()
 {
     FastEmulatorFixture fixture;
     // Permission bits would not stop root, who runs the suite on CI; a file where the folder
@@ -282,7 +283,7 @@ void FastMountFaultsTest::projectFolderThatCannotBeWrittenUndoesTheMount()
     QCOMPARE(driveFiles(fixture), QStringList());
 }
 
-void FastMountFaultsTest::treeHandlersCarryOnPastA500_data()
+void FaultsFastTest::treeHandlersCarryOnPastA500_data()
 {
     QTest::addColumn<QString>("signal");
     QTest::addColumn<QStringList>("deletes");
@@ -290,45 +291,36 @@ void FastMountFaultsTest::treeHandlersCarryOnPastA500_data()
     QTest::newRow("delete its only file") << "deleteFile" << QStringList({"file/%2", "vds/%1"});
 }
 
-void FastMountFaultsTest::treeHandlersCarryOnPastA500()
+void FaultsFastTest::treeHandlersCarryOnPastA500()
 {
     QFETCH(QString, signal);
     QFETCH(QStringList, deletes);
     FastEmulatorFixture fixture;
-    const auto client = fixture.client();
-    const std::string vdsId = client->registerVds(kUrl.toStdString())->getMessage();
-    std::vector<fast::VdsFile> files{{client->mountFile(vdsId, "one", "", 0, 1, 0, 1, 0, 1)->getMessage(), "one"}};
-    if (signal == "unmountVds")
-        files.push_back({client->mountFile(vdsId, "two", "", 0, 1, 0, 1, 0, 1)->getMessage(), "two"});
-    VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
-    page.widget.init({"/project/one"});
-    QCOMPARE(page.model().vdsCount(), 1);
+    ShownVolume shown(fixture, signal);
+    QCOMPARE(shown.page.model().vdsCount(), 1);
     fixture.emulator().setFault("DELETE", "/api/v2/", failing(500));
     fixture.emulator().clearRequests();
     EventBusRecorder bus;
     MessageBoxAnswerer boxes;
 
-    if (signal == "unmountVds")
-        Q_EMIT page.widget.treeView()->unmountVds(vdsId, files);
-    else
-        Q_EMIT page.widget.treeView()->deleteFile(vdsId, files.front());
+    shown.remove();
 
     // The user is told nothing and the tree goes on as if FAST had done it; FAST keeps it all.
     QStringList expected;
     for (const QString& path : deletes)
         expected << QString("DELETE /api/v2/" + path)
-                        .replace("%1", q(vdsId))
-                        .replace("%2", q(files.front().fileId))
-                        .replace("%3", q(files.back().fileId));
+                        .replace("%1", q(shown.vdsId))
+                        .replace("%2", q(shown.files.front().fileId))
+                        .replace("%3", q(shown.files.back().fileId));
     QCOMPARE(fixture.requestLines(), expected);
     QCOMPARE(bus.texts(Trace).filter("Response from FAST REST API: code=500").size(), deletes.size());
     QVERIFY(bus.texts(Error).isEmpty());
     QVERIFY(boxes.boxes().isEmpty());
-    QCOMPARE(page.removed.size(), int(files.size()));
-    QCOMPARE(page.model().vdsCount(), 0);
+    QCOMPARE(shown.page.removed.size(), int(shown.files.size()));
+    QCOMPARE(shown.page.model().vdsCount(), 0);
     QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
-    QCOMPARE(fixture.emulator().service().files().size(), files.size());
+    QCOMPARE(fixture.emulator().service().files().size(), shown.files.size());
 }
 
-QTEST_MAIN(FastMountFaultsTest)
+QTEST_MAIN(FaultsFastTest)
 #include "tst_faults_fast.moc"

@@ -58,7 +58,7 @@ QStringList kindsAndTexts(const EventBusRecorder& bus)
 
 } // namespace
 
-class FastAnswerFaultsTest : public QObject
+class FaultsFastAnswersTest : public QObject
 {
     Q_OBJECT
 
@@ -76,7 +76,7 @@ private Q_SLOTS:
     void aFailedLookupTakesOutOnlyTheRecordItAdded();
 };
 
-void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered_data()
+void FaultsFastAnswersTest::statusPollReportsWhatFastAnswered_data()
 {
     QTest::addColumn<QString>("route");
     QTest::addColumn<Fault>("fault");
@@ -97,7 +97,7 @@ void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered_data()
                                       << QStringList() << 2000;
 }
 
-void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered()
+void FaultsFastAnswersTest::statusPollReportsWhatFastAnswered()
 {
     QFETCH(QString, route);
     QFETCH(Fault, fault);
@@ -117,7 +117,7 @@ void FastAnswerFaultsTest::statusPollReportsWhatFastAnswered()
     QCOMPARE(kindsAndTexts(bus), messages.replaceInStrings("%1", q(fixture.baseUrl())));
 }
 
-void FastAnswerFaultsTest::everyClientOperationHandsBackA500_data()
+void FaultsFastAnswersTest::everyClientOperationHandsBackA500_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<QString>("outcome");
@@ -141,7 +141,7 @@ void FastAnswerFaultsTest::everyClientOperationHandsBackA500_data()
                                   << "threw: " + complaintAbout(kInjectedBody);
 }
 
-void FastAnswerFaultsTest::everyClientOperationHandsBackA500()
+void FaultsFastAnswersTest::everyClientOperationHandsBackA500()
 {
     QFETCH(QString, operation);
     QFETCH(QString, outcome);
@@ -185,7 +185,7 @@ void FastAnswerFaultsTest::everyClientOperationHandsBackA500()
     QVERIFY(fixture.emulator().service().volumes().empty());
 }
 
-void FastAnswerFaultsTest::listingFailuresLeaveThePageEmpty_data()
+void FaultsFastAnswersTest::listingFailuresLeaveThePageEmpty_data()
 {
     QTest::addColumn<QString>("route");
     QTest::addColumn<Fault>("fault");
@@ -206,7 +206,7 @@ void FastAnswerFaultsTest::listingFailuresLeaveThePageEmpty_data()
                                         << "";
 }
 
-void FastAnswerFaultsTest::listingFailuresLeaveThePageEmpty()
+void FaultsFastAnswersTest::listingFailuresLeaveThePageEmpty()
 {
     QFETCH(QString, route);
     QFETCH(Fault, fault);
@@ -238,7 +238,7 @@ void FastAnswerFaultsTest::listingFailuresLeaveThePageEmpty()
     QTRY_COMPARE(boxes.summaries(), QStringList("Unable to list VDS: " + text));
 }
 
-void FastAnswerFaultsTest::failuresBeforeTheDialogLeaveNothingRegistered_data()
+void FaultsFastAnswersTest::failuresBeforeTheDialogLeaveNothingRegistered_data()
 {
     QTest::addColumn<QString>("route");
     QTest::addColumn<Fault>("fault");
@@ -279,7 +279,7 @@ void FastAnswerFaultsTest::failuresBeforeTheDialogLeaveNothingRegistered_data()
     QTest::newRow("description reset") << "/api/v2/plugin/" << broken(Delivery::ResetConnection) << other << lost;
 }
 
-void FastAnswerFaultsTest::failuresBeforeTheDialogLeaveNothingRegistered()
+void FaultsFastAnswersTest::failuresBeforeTheDialogLeaveNothingRegistered()
 {
     QFETCH(QString, route);
     QFETCH(Fault, fault);
@@ -306,7 +306,7 @@ void FastAnswerFaultsTest::failuresBeforeTheDialogLeaveNothingRegistered()
     QCOMPARE(sent.filter("DELETE").join(", "), vdsId.isEmpty() ? QString() : "DELETE /api/v2/vds/" + vdsId);
 }
 
-void FastAnswerFaultsTest::aFailedLookupTakesOutOnlyTheRecordItAdded()
+void FaultsFastAnswersTest::aFailedLookupTakesOutOnlyTheRecordItAdded()
 {
     FastEmulatorFixture fixture;
     VdsPageSession page(fixture, VdsWidget::CLOUD_URL);
@@ -326,5 +326,5 @@ void FastAnswerFaultsTest::aFailedLookupTakesOutOnlyTheRecordItAdded()
     QCOMPARE(q(page.model().vdsAt(0)->url), refused);
 }
 
-QTEST_MAIN(FastAnswerFaultsTest)
+QTEST_MAIN(FaultsFastAnswersTest)
 #include "tst_faults_fastanswers.moc"

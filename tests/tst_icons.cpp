@@ -51,11 +51,11 @@ QRgb meanColour(const QImage& image)
 
 } // namespace
 
-class TestIcons : public QObject
+class IconsTest : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     // Nothing else of the library is used here, and a linker may drop a library no symbol is taken from.
     void initTestCase() { QVERIFY(fast::CheckConnectionToFastWorker::staticMetaObject.className()); }
 
@@ -104,5 +104,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestIcons)
+QTEST_MAIN(IconsTest)
 #include "tst_icons.moc"

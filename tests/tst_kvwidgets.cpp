@@ -76,11 +76,11 @@ struct Table
 
 } // namespace
 
-class TestKvWidgets : public QObject
+class KvWidgetsTest : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void cleanup()
     {
         QToolTip::hideText();
@@ -283,5 +283,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestKvWidgets)
+QTEST_MAIN(KvWidgetsTest)
 #include "tst_kvwidgets.moc"

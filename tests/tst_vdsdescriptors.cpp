@@ -55,11 +55,11 @@ QString run(const QString& call, const std::string& input)
 
 } // namespace
 
-class TestVdsDescriptors : public QObject
+class VdsDescriptorsTest : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void parseVdsInfosJoinsTheTwoListings()
     {
         const auto join = [](const char* vdsList, const char* fileList) {
@@ -163,5 +163,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestVdsDescriptors)
+QTEST_GUILESS_MAIN(VdsDescriptorsTest)
 #include "tst_vdsdescriptors.moc"

@@ -4,11 +4,11 @@
 
 #include <QtTest>
 
-class TestVirtualDrive : public QObject
+class VirtualDriveTest : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void mountPointIsReadAfreshAndCleaned()
     {
         TestSettings settings;
@@ -76,5 +76,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestVirtualDrive)
+QTEST_GUILESS_MAIN(VirtualDriveTest)
 #include "tst_virtualdrive.moc"

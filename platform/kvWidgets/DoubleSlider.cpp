@@ -300,14 +300,14 @@ void DoubleSlider::setValue(Handle handle, int value)
             return;
         m_lower = value;
         update();
-        emit lowerValueChanged(value);
+        Q_EMIT lowerValueChanged(value);
     } else if (handle == Handle::Upper) {
         value = qBound(m_lower, value, m_maximum);
         if (value == m_upper)
             return;
         m_upper = value;
         update();
-        emit upperValueChanged(value);
+        Q_EMIT upperValueChanged(value);
     }
 }
 
@@ -327,9 +327,9 @@ void DoubleSlider::setRange(int minimum, int maximum)
     m_upper = upper;
     update();
     if (lowerChanged)
-        emit lowerValueChanged(lower);
+        Q_EMIT lowerValueChanged(lower);
     if (upperChanged)
-        emit upperValueChanged(upper);
+        Q_EMIT upperValueChanged(upper);
 }
 
 void DoubleSlider::drawHandle(QPainter* painter, Handle handle) const

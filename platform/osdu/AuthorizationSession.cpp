@@ -68,7 +68,7 @@ TokenRequest AuthorizationSession::refreshRequest(const OsduAuthProvider& provid
 void AuthorizationSession::startWithRefreshToken(const std::string& refreshToken)
 {
     m_refreshing = true;
-    emit m_provider.info(QStringLiteral("Signing in with the stored session"));
+    Q_EMIT m_provider.info(QStringLiteral("Signing in with the stored session"));
     exchange(refreshRequest(m_provider, refreshToken, m_timeoutMs));
 }
 
@@ -121,7 +121,7 @@ void AuthorizationSession::startInBrowser()
             {QStringLiteral("Sign-in timed out: no answer came back from the browser"), {}, authorizationEndpoint()});
     });
     m_browserWait.start(OsduAuthProvider::BrowserWaitLimitMs);
-    emit m_provider.info(QStringLiteral("Waiting for the sign-in in the web browser"));
+    Q_EMIT m_provider.info(QStringLiteral("Waiting for the sign-in in the web browser"));
     if (!m_provider.m_state->opener(QUrl::fromEncoded(url, QUrl::StrictMode)))
         finish({QStringLiteral("Unable to open the web browser for sign-in"), {}, authorizationEndpoint()});
 }
@@ -171,7 +171,7 @@ void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& 
     // sign-in's state may end it, so the others are turned away and the wait goes on.
     if (fields.value("state") != m_state) {
         reply(socket, 400, QStringLiteral("This answer did not come from the sign-in under way (state mismatch)"));
-        emit m_provider.info(QStringLiteral("A sign-in answer without this sign-in's state was refused"));
+        Q_EMIT m_provider.info(QStringLiteral("A sign-in answer without this sign-in's state was refused"));
         return;
     }
     m_browser = socket;
@@ -189,7 +189,7 @@ void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& 
         return;
     }
 
-    emit m_provider.info(QStringLiteral("Completing the sign-in with the authorization server"));
+    Q_EMIT m_provider.info(QStringLiteral("Completing the sign-in with the authorization server"));
     TokenRequest request{m_params.oauthTokenUrl,
                          {{"grant_type", "authorization_code"},
                           {"code", code.toStdString()},
@@ -254,9 +254,9 @@ void AuthorizationSession::finish(const Outcome& outcome)
         provider,
         [provider, outcome] {
             if (outcome.message.isEmpty())
-                emit provider->userAuthorized();
+                Q_EMIT provider->userAuthorized();
             else
-                emit provider->error(outcome.message, outcome.details, outcome.url);
+                Q_EMIT provider->error(outcome.message, outcome.details, outcome.url);
         },
         Qt::QueuedConnection);
 }

@@ -143,11 +143,11 @@ std::string OsduAuthProvider::accessToken()
     }
     // Outside the lock: a receiver on this thread may ask for a token again.
     if (!renewed.empty()) {
-        emit refreshTokenRenewed();
+        Q_EMIT refreshTokenRenewed();
         return renewed;
     }
     if (ended)
-        emit sessionEnded();
+        Q_EMIT sessionEnded();
     throw std::runtime_error(failure);
 }
 
@@ -157,7 +157,7 @@ void OsduAuthProvider::endSession()
         const std::lock_guard<std::mutex> lock(m_state->tokenMutex);
         m_state->forget();
     }
-    emit sessionEnded();
+    Q_EMIT sessionEnded();
 }
 
 void OsduAuthProvider::discardAccessToken(const std::string& refused)

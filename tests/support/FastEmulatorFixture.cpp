@@ -30,3 +30,13 @@ QStringList FastEmulatorFixture::requestLines() const
         lines << QString::fromStdString(request.method + ' ' + request.target);
     return lines;
 }
+
+QStringList FastEmulatorFixture::holdings() const
+{
+    QStringList lines;
+    for (const auto& volume : m_emulator->service().volumes())
+        lines << QString::fromStdString(volume.id + " volume " + volume.url);
+    for (const auto& file : m_emulator->service().files())
+        lines << QString::fromStdString(file.id + " file " + file.path);
+    return lines;
+}

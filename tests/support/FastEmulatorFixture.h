@@ -46,6 +46,8 @@ public:
     std::string baseUrl() const;
     // "METHOD target" of every request the emulator has logged, in order.
     QStringList requestLines() const;
+    // "id volume url" and "id file path" of every volume and file the emulator holds.
+    QStringList holdings() const;
     QString driveDir() const { return m_drive.path(); }
     QString projectDir() const { return m_project.path(); }
     TestSettings& settings() { return m_settings; }

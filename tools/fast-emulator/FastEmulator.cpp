@@ -3,7 +3,6 @@
 #include <Poco/File.h>
 #include <Poco/FileStream.h>
 #include <Poco/Net/HTTPRequestHandler.h>
-#include <Poco/Net/HTTPRequestHandlerFactory.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerResponse.h>
 #include <Poco/StreamCopier.h>
@@ -31,20 +30,6 @@ public:
         response.setContentType(
             !reply.body.empty() && (reply.body[0] == '{' || reply.body[0] == '[') ? "application/json" : "text/plain");
         sendBody(request, response, reply.body, answer.delivery);
-    }
-
-private:
-    FastEmulator& m_emulator;
-};
-
-class HandlerFactory : public Poco::Net::HTTPRequestHandlerFactory
-{
-public:
-    explicit HandlerFactory(FastEmulator& emulator) : m_emulator(emulator) {}
-
-    Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest&) override
-    {
-        return new RequestHandler(m_emulator);
     }
 
 private:
@@ -83,12 +68,11 @@ std::string pathOf(const std::string& target)
 } // namespace
 
 FastEmulator::FastEmulator(EmulatorOptions options)
-    : m_options(std::move(options)), m_linkTimer(std::make_unique<Poco::Util::Timer>()),
+    : LoopbackEmulator(options.port), m_options(std::move(options)), m_linkTimer(std::make_unique<Poco::Util::Timer>()),
       m_service({m_options.driveDir, m_options.version, m_options.pluginInstalled, m_options.stateFile},
                 [this](const std::string& linkFile, const std::string& driveFile) {
                     scheduleLink(linkFile, driveFile);
-                }),
-      m_http(m_options.port)
+                })
 {
 }
 
@@ -98,24 +82,9 @@ FastEmulator::~FastEmulator()
     m_linkTimer.reset();
 }
 
-void FastEmulator::start()
+Poco::Net::HTTPRequestHandler* FastEmulator::newHandler()
 {
-    m_http.start(new HandlerFactory(*this));
-}
-
-void FastEmulator::stop()
-{
-    m_http.stop();
-}
-
-bool FastEmulator::isRunning() const
-{
-    return m_http.isRunning();
-}
-
-unsigned short FastEmulator::port() const
-{
-    return m_http.port();
+    return new RequestHandler(*this);
 }
 
 std::vector<LoggedRequest> FastEmulator::requests() const
@@ -150,10 +119,10 @@ Answer FastEmulator::answer(const std::string& method, const std::string& target
     }
     const std::optional<Fault> fault = faultFor(method, pathOf(target));
     Answer dropped{{}, Delivery::ResetConnection};
-    if (fault && fault->delayMs > 0 && !m_http.holdBack(fault->delayMs))
+    if (fault && fault->delayMs > 0 && !http().holdBack(fault->delayMs))
         return dropped;
     if (fault && fault->stopsService) {
-        m_http.stopUnderHandler();
+        http().stopUnderHandler();
         return dropped;
     }
     if (fault && fault->delivery == Delivery::ResetConnection)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FastService.h"
-#include "LoopbackHttpServer.h"
+#include "LoopbackEmulator.h"
 
 #include <memory>
 #include <mutex>
@@ -59,20 +59,12 @@ struct Answer
 };
 
 // The FAST service on 127.0.0.1 over real HTTP, for tests, benchmarks and the demo.
-class FastEmulator
+class FastEmulator : public LoopbackEmulator
 {
 public:
     explicit FastEmulator(EmulatorOptions options);
-    ~FastEmulator();
-    FastEmulator(const FastEmulator&) = delete;
-    FastEmulator& operator=(const FastEmulator&) = delete;
+    ~FastEmulator() override;
 
-    // Throws Poco::Net::NetException when the port cannot be bound.
-    void start();
-    // Closes the port; answers held back by a delay are dropped.
-    void stop();
-    bool isRunning() const;
-    unsigned short port() const;
     std::string host() const { return "127.0.0.1"; }
 
     std::vector<LoggedRequest> requests() const;
@@ -88,6 +80,9 @@ public:
     // For the HTTP layer; a connection reset when the emulator stopped while holding it back.
     Answer answer(const std::string& method, const std::string& target, const std::string& body);
 
+protected:
+    Poco::Net::HTTPRequestHandler* newHandler() override;
+
 private:
     std::optional<Fault> faultFor(const std::string& method, const std::string& path) const;
     void scheduleLink(const std::string& linkFile, const std::string& driveFile);
@@ -95,7 +90,6 @@ private:
     EmulatorOptions m_options;
     std::unique_ptr<Poco::Util::Timer> m_linkTimer;
     FastService m_service;
-    LoopbackHttpServer m_http;
 
     mutable std::mutex m_mutex;
     std::vector<LoggedRequest> m_requests;

@@ -5,7 +5,6 @@
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
 #include <Poco/Net/HTTPRequestHandler.h>
-#include <Poco/Net/HTTPRequestHandlerFactory.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerRequestImpl.h>
 #include <Poco/Net/HTTPServerResponse.h>
@@ -64,20 +63,6 @@ private:
     OsduEmulator& m_emulator;
 };
 
-class HandlerFactory : public Poco::Net::HTTPRequestHandlerFactory
-{
-public:
-    explicit HandlerFactory(OsduEmulator& emulator) : m_emulator(emulator) {}
-
-    Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest&) override
-    {
-        return new RequestHandler(m_emulator);
-    }
-
-private:
-    OsduEmulator& m_emulator;
-};
-
 OsduReply unauthorized(const std::string& message, const std::string& challenge)
 {
     OsduReply reply = OsduReply::error(401, "Unauthorized", message);
@@ -119,12 +104,12 @@ SeededTexts seededTexts(int number, const std::string& prefix)
 } // namespace
 
 OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
-    : m_options(std::move(options)),
+    : LoopbackEmulator(options.port), m_options(std::move(options)),
       m_authorization({m_options.clientId, m_options.clientSecret, std::chrono::seconds(m_options.accessTokenSeconds),
                        std::chrono::seconds(m_options.refreshTokenSeconds), m_options.announceRefreshTokenLifetime,
                        m_options.issuedPrefix, m_options.tokenType, m_options.refreshTokenOnlyWithConsent,
                        m_options.rotateRefreshTokens}),
-      m_records(m_options.partition), m_http(m_options.port), m_latencyMs(m_options.latencyMs)
+      m_records(m_options.partition), m_latencyMs(m_options.latencyMs)
 {
 }
 
@@ -133,24 +118,9 @@ OsduEmulator::~OsduEmulator()
     stop();
 }
 
-void OsduEmulator::start()
+Poco::Net::HTTPRequestHandler* OsduEmulator::newHandler()
 {
-    m_http.start(new HandlerFactory(*this));
-}
-
-void OsduEmulator::stop()
-{
-    m_http.stop();
-}
-
-bool OsduEmulator::isRunning() const
-{
-    return m_http.isRunning();
-}
-
-unsigned short OsduEmulator::port() const
-{
-    return m_http.port();
+    return new RequestHandler(*this);
 }
 
 std::string OsduEmulator::baseUrl() const
@@ -306,7 +276,7 @@ std::optional<OsduReply> OsduEmulator::answer(const OsduRequest& request)
     const std::string path = request.target.substr(0, queryAt);
     const std::string query = queryAt == std::string::npos ? std::string() : request.target.substr(queryAt + 1);
     const int delayMs = delayFor(path);
-    if (delayMs > 0 && !m_http.holdBack(delayMs))
+    if (delayMs > 0 && !http().holdBack(delayMs))
         return std::nullopt;
     return route(request, path, query);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AuthorizationServer.h"
-#include "LoopbackHttpServer.h"
+#include "LoopbackEmulator.h"
 #include "OsduReply.h"
 #include "RecordStore.h"
 
@@ -59,7 +59,7 @@ struct OsduRequest
 
 // An OSDU data platform (Search v2, Storage v2) and its OAuth 2.0 authorization server on
 // 127.0.0.1 over real HTTP, for tests, benchmarks and the demo.
-class OsduEmulator
+class OsduEmulator : public LoopbackEmulator
 {
 public:
     static constexpr const char* kFileCollectionKind = "osdu:wks:dataset--FileCollection.Bluware.OpenVDS:1.0.0";
@@ -67,16 +67,8 @@ public:
     static constexpr int kEveryRequest = -1;
 
     explicit OsduEmulator(OsduEmulatorOptions options = {});
-    ~OsduEmulator();
-    OsduEmulator(const OsduEmulator&) = delete;
-    OsduEmulator& operator=(const OsduEmulator&) = delete;
+    ~OsduEmulator() override;
 
-    // Throws Poco::Net::NetException when the port cannot be bound.
-    void start();
-    // Closes the port; answers held back by a delay are dropped.
-    void stop();
-    bool isRunning() const;
-    unsigned short port() const;
     std::string baseUrl() const;
     std::string authorizeUrl() const;
     std::string tokenUrl() const;
@@ -120,6 +112,9 @@ public:
     // For the HTTP layer: the answer, or nothing when the emulator stopped while holding it back.
     std::optional<OsduReply> answer(const OsduRequest& request);
 
+protected:
+    Poco::Net::HTTPRequestHandler* newHandler() override;
+
 private:
     OsduReply route(const OsduRequest& request, const std::string& path, const std::string& query);
     // The refusal, or nothing when the request may read the partition's data.
@@ -129,7 +124,6 @@ private:
     OsduEmulatorOptions m_options;
     AuthorizationServer m_authorization;
     RecordStore m_records;
-    LoopbackHttpServer m_http;
 
     mutable std::mutex m_mutex;
     std::vector<OsduRequest> m_requests;
