@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -26,24 +27,25 @@ bool haveDisplay()
            || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
+struct DemoOptions
+{
+    QString projectFolder;
+    QString emulatorsFolder;
+    TourOptions tour;
+
+    bool scripted() const { return !tour.screenshotFile.isEmpty() || !tour.tourDir.isEmpty(); }
+};
+
 int usageError(const QCommandLineParser& parser, const QString& message)
 {
     std::fprintf(stderr, "fast-panel-demo: %s\n\n%s", qPrintable(message), qPrintable(parser.helpText()));
     return 2;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+// Reads the command line into options; the exit code when the program ends here (help, or a
+// command line it cannot follow).
+std::optional<int> readCommandLine(DemoOptions& options, bool headless)
 {
-    const bool headless = !haveDisplay();
-    if (headless)
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    // The demo's own settings store, which the library reads as the host's.
-    QCoreApplication::setOrganizationName(QStringLiteral("FastPanel"));
-    QCoreApplication::setApplicationName(QStringLiteral("fast-panel-demo"));
-    QApplication app(argc, argv);
-
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Plays the host application of the FAST panel. The FAST settings (host, port, mount point) "
@@ -77,38 +79,64 @@ int main(int argc, char** argv)
     if (!parser.positionalArguments().isEmpty())
         return usageError(parser, QStringLiteral("unexpected argument %1").arg(parser.positionalArguments().first()));
 
-    TourOptions tour{parser.value(screenshotOption), parser.value(tourOption), parser.value(mountOption)};
-    const bool scripted = !tour.screenshotFile.isEmpty() || !tour.tourDir.isEmpty();
-    if (!tour.samplePath.isEmpty() && !scripted)
+    options.projectFolder = parser.value(projectOption);
+    options.emulatorsFolder = parser.value(emulatorsOption);
+    options.tour = TourOptions{parser.value(screenshotOption), parser.value(tourOption), parser.value(mountOption)};
+    if (!options.tour.samplePath.isEmpty() && !options.scripted())
         return usageError(parser, QStringLiteral("--mount goes with --screenshot or --tour"));
-    if (headless && !scripted)
+    if (headless && !options.scripted())
         return usageError(parser, QStringLiteral("there is no display; use --screenshot or --tour to run headless"));
+    return std::nullopt;
+}
+
+// The project folder the options name, made if missing, or a fresh temporary one held by
+// temporary; empty when neither could be made.
+QString makeProjectFolder(const QString& wanted, std::unique_ptr<QTemporaryDir>& temporary)
+{
+    if (!wanted.isEmpty()) {
+        if (QDir().mkpath(wanted))
+            return wanted;
+        std::fprintf(stderr, "fast-panel-demo: cannot make the project folder %s\n", qPrintable(wanted));
+        return QString();
+    }
+    temporary = std::make_unique<QTemporaryDir>(QDir::temp().filePath("fast-demo-project-XXXXXX"));
+    if (temporary->isValid())
+        return temporary->path();
+    std::fprintf(stderr, "fast-panel-demo: cannot make a project folder: %s\n", qPrintable(temporary->errorString()));
+    return QString();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const bool headless = !haveDisplay();
+    if (headless)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The demo's own settings store, which the library reads as the host's.
+    QCoreApplication::setOrganizationName(QStringLiteral("FastPanel"));
+    QCoreApplication::setApplicationName(QStringLiteral("fast-panel-demo"));
+    QApplication app(argc, argv);
+
+    DemoOptions options;
+    if (const std::optional<int> exitCode = readCommandLine(options, headless))
+        return *exitCode;
 
     std::unique_ptr<DemoServices> services;
-    if (parser.isSet(emulatorsOption)) {
-        services = std::make_unique<DemoServices>(parser.value(emulatorsOption));
+    if (!options.emulatorsFolder.isEmpty()) {
+        services = std::make_unique<DemoServices>(options.emulatorsFolder);
         if (!services->start()) {
             std::fprintf(stderr, "fast-panel-demo: %s\n", qPrintable(services->error()));
             return 1;
         }
-        if (scripted && tour.samplePath.isEmpty())
-            tour.samplePath = services->samplePath();
+        if (options.scripted() && options.tour.samplePath.isEmpty())
+            options.tour.samplePath = services->samplePath();
     }
 
     std::unique_ptr<QTemporaryDir> temporaryProject;
-    QString projectFolder = parser.value(projectOption);
-    if (projectFolder.isEmpty()) {
-        temporaryProject = std::make_unique<QTemporaryDir>(QDir::temp().filePath("fast-demo-project-XXXXXX"));
-        if (!temporaryProject->isValid()) {
-            std::fprintf(stderr, "fast-panel-demo: cannot make a project folder: %s\n",
-                         qPrintable(temporaryProject->errorString()));
-            return 1;
-        }
-        projectFolder = temporaryProject->path();
-    } else if (!QDir().mkpath(projectFolder)) {
-        std::fprintf(stderr, "fast-panel-demo: cannot make the project folder %s\n", qPrintable(projectFolder));
+    const QString projectFolder = makeProjectFolder(options.projectFolder, temporaryProject);
+    if (projectFolder.isEmpty())
         return 1;
-    }
     std::printf("fast-panel-demo: project folder %s\n", qPrintable(QDir(projectFolder).absolutePath()));
     std::fflush(stdout);
 
@@ -116,8 +144,8 @@ int main(int argc, char** argv)
     window.show();
 
     std::unique_ptr<ScriptedTour> script;
-    if (scripted) {
-        script = std::make_unique<ScriptedTour>(&window, tour);
+    if (options.scripted()) {
+        script = std::make_unique<ScriptedTour>(&window, options.tour);
         QObject::connect(script.get(), &ScriptedTour::finished, &app,
                          [](int exitCode) { QCoreApplication::exit(exitCode); });
         QTimer::singleShot(0, script.get(), &ScriptedTour::start);
