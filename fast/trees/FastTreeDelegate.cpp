@@ -1,5 +1,7 @@
 #include <fast/trees/FastTreeDelegate.h>
 
+#include <fast/panel/PanelIcons_p.h>
+
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
@@ -58,8 +60,10 @@ bool FastTreeDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, con
 }
 
 void FastTreeDelegate::paintIcon(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                                 const QPixmap& pixmap) const
+                                 const QString& icon) const
 {
+    const QPixmap pixmap = icon.isEmpty() ? QPixmap()
+                                          : panelIcon(icon, option.palette, painter->device()->devicePixelRatioF());
     painter->save();
     QStyleOptionViewItem cell(option);
     initStyleOption(&cell, index);
@@ -68,7 +72,8 @@ void FastTreeDelegate::paintIcon(QPainter* painter, const QStyleOptionViewItem& 
         painter->setOpacity(0.5);
     if (!pixmap.isNull()) {
         const QRect& r = option.rect;
-        const QPoint topLeft(r.left() + (r.width() - pixmap.width()) / 2, r.top() + (r.height() - pixmap.height()) / 2);
+        const QSize size = (QSizeF(pixmap.size()) / pixmap.devicePixelRatioF()).toSize();
+        const QPoint topLeft(r.left() + (r.width() - size.width()) / 2, r.top() + (r.height() - size.height()) / 2);
         painter->drawPixmap(topLeft, pixmap);
     }
     painter->restore();

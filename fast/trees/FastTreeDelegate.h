@@ -29,10 +29,11 @@ public:
                    const QModelIndex& index) override;
 
 protected:
-    // Draws the pixmap alone, centred in the cell: no text, background or selection. Loaded
-    // by the caller from the resources at every paint.
+    // Draws the panel's icon of that name alone, centred in the cell: no text, background or
+    // selection; nothing for an empty name. The image suits the row's palette and the pixel
+    // density painted on, and is loaded from the resources at every paint.
     void paintIcon(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                   const QPixmap& pixmap) const;
+                   const QString& icon) const;
 
 private:
     QPersistentModelIndex m_hoveredIndex;

@@ -27,12 +27,12 @@ void OsduTreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     const bool mountFlag = source.sibling(source.row(), 2).data(ActionRole).toBool();
     const bool deleteFlag = source.sibling(source.row(), 3).data(ActionRole).toBool() && registered;
 
-    QPixmap pixmap;
+    QString icon;
     if (index.column() == 2 && mountFlag)
-        pixmap = QPixmap(registered ? QStringLiteral(":/light/down_ko.png") : QStringLiteral(":/light/down_ok.png"));
+        icon = registered ? QStringLiteral("down_ko") : QStringLiteral("down_ok");
     else if (index.column() == 3 && deleteFlag)
-        pixmap = QPixmap(QStringLiteral(":/light/delete24.png"));
-    paintIcon(painter, option, index, pixmap);
+        icon = QStringLiteral("delete24");
+    paintIcon(painter, option, index, icon);
 }
 
 } // namespace fast

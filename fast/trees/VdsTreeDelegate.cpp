@@ -22,7 +22,7 @@ void VdsTreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     }
     const QModelIndex source = proxyModel()->mapToSource(index);
     const bool action = source.sibling(source.row(), 2).data(ActionRole).toBool();
-    paintIcon(painter, option, index, action ? QPixmap(QStringLiteral(":/light/delete24.png")) : QPixmap());
+    paintIcon(painter, option, index, action ? QStringLiteral("delete24") : QString());
 }
 
 } // namespace fast
