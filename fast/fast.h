@@ -16,6 +16,7 @@
 #include <fast/osdu/OsduTreeModel.h>
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/CheckConnectionToFastWorker.h>
+#include <fast/panel/ControlNames.h>
 #include <fast/panel/FastTabWidget.h>
 #include <fast/panel/FastWidget.h>
 #include <fast/panel/MountNewVolume.h>

@@ -2,6 +2,7 @@
 // the wire and the link it renames. How a failed mount ends: tst_faults_fast.
 
 #include "FastEmulatorFixture.h"
+#include "PanelDriver.h"
 #include "StdMetaTypes.h"
 
 #include <fast/fast.h>
@@ -60,7 +61,7 @@ struct MountSession
     }
     void save(const QString& name)
     {
-        dialog.findChild<QLineEdit*>()->setText(name);
+        fileNameField(dialog)->setText(name);
         button(dialog, 1)->click();
     }
     std::string vdsId;
@@ -97,6 +98,12 @@ private Q_SLOTS:
                  QStringList({"Filename", "In-line", "X-line", "Z"}));
         QTRY_COMPARE(QApplication::focusWidget(), at(dialog, 1, 0));
         QCOMPARE(button(dialog, 0)->text() + ' ' + button(dialog, 1)->text(), "Cancel Save");
+
+        // Scripts find the same controls by their names.
+        QCOMPARE(fileNameLabel(dialog), at(dialog, 0, 0));
+        QCOMPARE(fileNameField(dialog), at(dialog, 1, 0));
+        QCOMPARE(cancelButton(dialog), button(dialog, 0));
+        QCOMPARE(saveButton(dialog), button(dialog, 1));
     }
 
     void rowsStartOnTheWholeVolume_data()
@@ -146,8 +153,8 @@ private Q_SLOTS:
     {
         FastEmulatorFixture fixture;
         MountSession session(fixture);
-        QTest::keyClicks(session.dialog.findChild<QLineEdit*>(), "cube");
-        QTest::keyClick(session.dialog.findChild<QLineEdit*>(), Qt::Key_Return);
+        QTest::keyClicks(fileNameField(session.dialog), "cube");
+        QTest::keyClick(fileNameField(session.dialog), Qt::Key_Return);
         QTRY_COMPARE(session.finished.count(), 1);
         QCOMPARE(session.finished.at(0).at(0).toInt(), 1);
         QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
@@ -177,7 +184,7 @@ private Q_SLOTS:
         QVERIFY(session.dialog.isVisible());
         QCOMPARE(fixture.requestLines(), QStringList());
 
-        QTest::keyClick(session.dialog.findChild<QLineEdit*>(), Qt::Key_2);
+        QTest::keyClick(fileNameField(session.dialog), Qt::Key_2);
         QCOMPARE(labelState(session.dialog),
                  "Filename QLabel { color : " + QApplication::palette().color(QPalette::Text).name() + "; }");
     }

@@ -3,6 +3,7 @@
 
 #include "EventBusRecorder.h"
 #include "MessageBoxAnswerer.h"
+#include "PanelDriver.h"
 #include "TestSettings.h"
 
 #include <fast/client/Fast.h>
@@ -67,7 +68,7 @@ void OsduConnectTest::connectWithoutSettingsFailsEveryTime()
     fast::OsduWidget page(std::make_shared<fast::Fast>("127.0.0.1"), QDir::tempPath());
     EventBusRecorder bus;
     MessageBoxAnswerer boxes;
-    auto* connect = page.findChildren<QPushButton*>().at(1);
+    QPushButton* connect = connectButton(page);
     QCOMPARE(connect->text(), "Connect");
 
     QTest::mouseClick(connect, Qt::LeftButton);
@@ -77,7 +78,7 @@ void OsduConnectTest::connectWithoutSettingsFailsEveryTime()
     QCOMPARE(boxes.summaries(), QStringList({failure, failure}));
     QCOMPARE(bus.texts(3), QStringList({"FAST OSDU connection error", "FAST OSDU connection error"}));
     QVERIFY(connect->isEnabled());
-    QVERIFY(!page.findChild<QComboBox*>()->isEnabled());
+    QVERIFY(!providerChoice(page)->isEnabled());
 }
 
 QTEST_MAIN(OsduConnectTest)

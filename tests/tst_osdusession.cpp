@@ -8,6 +8,7 @@
 #include "MessageBoxAnswerer.h"
 #include "OsduEmulatorSettings.h"
 #include "PanelDriver.h"
+#include "SignInWatch.h"
 #include "TestBrowser.h"
 #include "TestSettings.h"
 

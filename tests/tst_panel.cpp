@@ -2,16 +2,22 @@
 // the routing of fillTrees, the project-folder watcher and an early destruction.
 
 #include "FastEmulatorFixture.h"
+#include "PanelDriver.h"
 
 #include <fast/client/Fast.h>
+#include <fast/panel/ControlNames.h>
 #include <fast/panel/FastTabWidget.h>
+#include <fast/panel/OsduWidget.h>
 #include <fast/panel/VdsWidget.h>
 #include <fast/trees/FastTreeModel.h>
 #include <fast/trees/FastTreeView.h>
 #include <osdu/HttpResponse.h>
 
+#include <QComboBox>
 #include <QDir>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QtTest>
 
@@ -21,7 +27,7 @@ constexpr int kPoll = 7000; // one polling period and the requests
 
 QString status(const fast::FastTabWidget& panel)
 {
-    return panel.findChildren<QLabel*>().first()->text();
+    return statusLabel(panel)->text();
 }
 
 int threadCount()
@@ -39,6 +45,7 @@ private Q_SLOTS:
     void statusFollowsTheServiceAndConnectedIsSentOnChange();
     void fillTreesRoutesProjectFilesToTheVdsPages();
     void tabsAndIcons();
+    void controlsAreFoundByTheirNames();
     void aFileInTheProjectFolderAsksForABrowserUpdate();
     void destroyingThePanelEndsItsWorker();
 };
@@ -61,14 +68,14 @@ void PanelTest::statusFollowsTheServiceAndConnectedIsSentOnChange()
     QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Connected to Bluware FAST™ 3.1", kPoll);
     QCOMPARE(connected.size(), 1);
     QCOMPARE(connected.first().first().toBool(), true);
-    auto* localPage = panel.findChildren<fast::VdsWidget*>().first();
-    QVERIFY(localPage->treeView()->isEnabled());
+    fast::VdsWidget* local = localPage(panel);
+    QVERIFY(local->treeView()->isEnabled());
 
     fixture.emulator().stop();
     QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Not connected to Bluware FAST™", kPoll);
     QCOMPARE(connected.size(), 2);
     QCOMPARE(connected.last().first().toBool(), false);
-    QVERIFY(!localPage->treeView()->isEnabled());
+    QVERIFY(!local->treeView()->isEnabled());
 }
 
 void PanelTest::fillTreesRoutesProjectFilesToTheVdsPages()
@@ -88,13 +95,12 @@ void PanelTest::fillTreesRoutesProjectFilesToTheVdsPages()
             result << record.name;
         return result;
     };
-    auto* tabs = panel.findChild<QTabWidget*>();
-    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(1))), QStringList{"local"});
-    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(2))), QStringList{"cloud"});
-    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(0))), QStringList{});
+    QCOMPARE(names(localPage(panel)), QStringList{"local"});
+    QCOMPARE(names(cloudPage(panel)), QStringList{"cloud"});
+    QCOMPARE(names(osduPage(panel)), QStringList{});
 
     panel.clearTrees();
-    QCOMPARE(names(static_cast<fast::FastWidget*>(tabs->widget(1))), QStringList{});
+    QCOMPARE(names(localPage(panel)), QStringList{});
 }
 
 void PanelTest::tabsAndIcons()
@@ -102,7 +108,7 @@ void PanelTest::tabsAndIcons()
     TestSettings settings;
     QTemporaryDir project;
     fast::FastTabWidget panel(project.path());
-    auto* tabs = panel.findChild<QTabWidget*>();
+    QTabWidget* tabs = pageTabs(panel);
     QCOMPARE(tabs->count(), 3);
 
     QPixmap red(8, 8);
@@ -112,6 +118,34 @@ void PanelTest::tabsAndIcons()
     QVERIFY(tabs->tabIcon(2).isNull());
     panel.setTabIcons({red, red, red, red});
     QVERIFY(!tabs->tabIcon(2).isNull());
+}
+
+void PanelTest::controlsAreFoundByTheirNames()
+{
+    TestSettings settings;
+    QTemporaryDir project;
+    fast::FastTabWidget panel(project.path());
+    // Each name sits on the control a person would take for it.
+    QTabWidget* tabs = pageTabs(panel);
+    QCOMPARE(tabs->widget(0), osduPage(panel));
+    QCOMPARE(tabs->widget(1), localPage(panel));
+    QCOMPARE(tabs->widget(2), cloudPage(panel));
+    QCOMPARE(status(panel), "Checking connection to Bluware FAST™...");
+
+    QCOMPARE(actionButton(*localPage(panel))->toolTip(), "Open VDS");
+    QVERIFY(pathField(*localPage(panel))->isReadOnly());
+    QCOMPARE(actionButton(*cloudPage(panel))->toolTip(), "Mount VDS");
+    QVERIFY(!pathField(*cloudPage(panel))->isReadOnly());
+    for (const fast::VdsWidget* page : {localPage(panel), cloudPage(panel)})
+        QCOMPARE(page->findChild<fast::FastTreeView*>(fast::kVdsTree), page->treeView());
+
+    const fast::OsduWidget& osdu = *osduPage(panel);
+    QCOMPARE(providerChoice(osdu)->count(), 2);
+    QCOMPARE(connectButton(osdu)->text(), "Connect");
+    QVERIFY(searchInput(osdu));
+    QCOMPARE(searchButton(osdu)->text(), "Search");
+    QCOMPARE(resultLabel(osdu), "No results");
+    QCOMPARE(osdu.findChild<fast::FastTreeView*>(fast::kOsduTree), osdu.treeView());
 }
 
 void PanelTest::aFileInTheProjectFolderAsksForABrowserUpdate()

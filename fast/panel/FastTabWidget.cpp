@@ -2,6 +2,7 @@
 
 #include <fast/client/Fast.h>
 #include <fast/panel/CheckConnectionToFastWorker.h>
+#include <fast/panel/ControlNames.h>
 #include <fast/panel/OsduWidget.h>
 #include <fast/panel/VdsWidget.h>
 
@@ -35,15 +36,20 @@ FastTabWidget::FastTabWidget(const QString& projectPath, QWidget* parent) : QWid
     const auto fast = std::make_shared<Fast>(osdu::getSettingValue("FAST", "FAST_HOST", "localhost"));
 
     m_statusLabel = new QLabel("Checking connection to Bluware FAST™...", this);
+    m_statusLabel->setObjectName(kStatusLabel);
     auto* help = new kvWidgets::HelpToolTip(*iconHandler->getPixmap("help24"), QString::fromUtf8(kPanelHelp), this);
 
     auto* layout = new QGridLayout(this);
     m_tabWidget = new QTabWidget(this);
+    m_tabWidget->setObjectName(kPageTabs);
     const QList<FastWidget*> pages{
         new OsduWidget(fast, projectPath, m_tabWidget),
         new VdsWidget(VdsWidget::LOCAL_FILE, fast, projectPath, m_tabWidget),
         new VdsWidget(VdsWidget::CLOUD_URL, fast, projectPath, m_tabWidget),
     };
+    pages[0]->setObjectName(kOsduPage);
+    pages[1]->setObjectName(kLocalPage);
+    pages[2]->setObjectName(kCloudPage);
     m_tabWidget->addTab(pages[0], "OSDU™ Data Platform browser");
     m_tabWidget->addTab(pages[1], "Local VDS file");
     m_tabWidget->addTab(pages[2], "Cloud VDS file");

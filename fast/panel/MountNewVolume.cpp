@@ -3,6 +3,7 @@
 #include <fast/client/Fast.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
+#include <fast/panel/ControlNames.h>
 #include <fast/panel/PanelMessages_p.h>
 
 #include <korvane/IconXPMHandler.h>
@@ -72,6 +73,7 @@ MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::str
     auto* grid = new QGridLayout(this);
 
     m_fileNameLabel = new QLabel(QStringLiteral("Filename"), this);
+    m_fileNameLabel->setObjectName(kMountFileNameLabel);
     grid->addWidget(m_fileNameLabel, 0, 0, Qt::AlignLeft);
     grid->addWidget(new kvWidgets::HelpToolTip(
                         helpIcon,
@@ -82,6 +84,7 @@ MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::str
                         this),
                     0, 1, Qt::AlignRight);
     m_fileNameEdit = new QLineEdit(this);
+    m_fileNameEdit->setObjectName(kMountFileNameField);
     grid->addWidget(m_fileNameEdit, 1, 0, 1, 2);
 
     grid->addWidget(new QLabel(QStringLiteral("Zone of Interest"), this), 2, 0, Qt::AlignLeft);
@@ -97,6 +100,8 @@ MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::str
 
     m_cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
     m_saveButton = new QPushButton(QStringLiteral("Save"), this);
+    m_cancelButton->setObjectName(kMountCancelButton);
+    m_saveButton->setObjectName(kMountSaveButton);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(m_cancelButton);
     buttons->addWidget(m_saveButton);

@@ -7,6 +7,7 @@
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduTreeModel.h>
 #include <fast/osdu/SearchInput.h>
+#include <fast/panel/ControlNames.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/PanelMessages_p.h>
 #include <fast/panel/VdsRegistration_p.h>
@@ -76,6 +77,12 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     m_providerChoice->addItem(QIcon(), text(getCloudProviderDisplayName(OsduFastInitializer::AWS)));
     m_providerChoice->addItem(QIcon(), text(getCloudProviderDisplayName(OsduFastInitializer::Azure)));
     m_connectButton = new QPushButton("Connect", this);
+    m_osduTree->setObjectName(kOsduTree);
+    m_resultLabel->setObjectName(kOsduResultLabel);
+    m_searchInput->setObjectName(kOsduSearchInput);
+    m_searchButton->setObjectName(kOsduSearchButton);
+    m_providerChoice->setObjectName(kOsduProviderChoice);
+    m_connectButton->setObjectName(kOsduConnectButton);
     const QPixmap helpIcon = *iconHandler->getPixmap("help24");
 
     auto* layout = new QGridLayout(this);

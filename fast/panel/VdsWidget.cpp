@@ -3,6 +3,7 @@
 #include <fast/client/Fast.h>
 #include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
+#include <fast/panel/ControlNames.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/PanelMessages_p.h>
 #include <fast/panel/VdsRegistration_p.h>
@@ -68,7 +69,9 @@ VdsWidget::VdsWidget(eWidgetType type, const std::shared_ptr<Fast>& fast, const 
 {
     auto* layout = new QGridLayout(this);
     m_lineEdit = new QLineEdit(this);
+    m_lineEdit->setObjectName(kVdsPathField);
     m_actionButton = new QPushButton(QString(), this);
+    m_actionButton->setObjectName(kVdsActionButton);
     m_actionButton->setFixedSize(24, 24);
     m_actionButton->setEnabled(false);
 
@@ -87,6 +90,7 @@ VdsWidget::VdsWidget(eWidgetType type, const std::shared_ptr<Fast>& fast, const 
     }
 
     auto* tree = new VdsTreeView(this);
+    tree->setObjectName(kVdsTree);
     tree->setItemDelegate(new VdsTreeDelegate(tree->proxyModel(), tree));
     auto* helpToolTip = new kvWidgets::HelpToolTip(*iconHandler->getPixmap("help24"), help, this);
 

@@ -1,6 +1,11 @@
 #include "SignInWatch.h"
 
+#include "PanelDriver.h"
+
+#include <QPushButton>
+#include <QSignalSpy>
 #include <QTcpSocket>
+#include <QTest>
 #include <QUrlQuery>
 
 osdu::OsduAuthProvider::BrowserOpener SignInWatch::opener(osdu::OsduAuthProvider::BrowserOpener browser)
@@ -24,4 +29,27 @@ bool acceptsConnections(const QHostAddress& address, quint16 port)
     const bool accepted = probe.waitForConnected(3000);
     probe.abort();
     return accepted;
+}
+
+osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened)
+{
+    return [opened](const QUrl&) {
+        *opened = true;
+        return false;
+    };
+}
+
+bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider)
+{
+    bool opened = false;
+    provider.setBrowserOpener(forbiddenBrowser(&opened));
+    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
+    return provider.authorizeAsync(kSignInLimitMs) && authorized.wait(kSignInLimitMs) && !opened;
+}
+
+bool connectAndSearch(const fast::OsduWidget& page, osdu::OsduAuthProvider& provider)
+{
+    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
+    QTest::mouseClick(connectButton(page), Qt::LeftButton);
+    return authorized.wait(kSignInLimitMs) && search(page);
 }

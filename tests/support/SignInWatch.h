@@ -31,3 +31,18 @@ private:
 
 // Whether something accepts a TCP connection at address:port right now.
 bool acceptsConnections(const QHostAddress& address, quint16 port);
+
+namespace fast {
+class OsduWidget;
+}
+
+// A browser that must not be used: a sign-in that opens it has gone the wrong way.
+osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened);
+
+// Signs provider in as a later run does, from its refresh token; false when that failed or
+// needed the browser.
+bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider);
+
+// Clicks Connect, waits for provider's sign-in (through the browser it was given), then searches
+// as search() does; false if either did not end in time.
+bool connectAndSearch(const fast::OsduWidget& page, osdu::OsduAuthProvider& provider);

@@ -27,13 +27,13 @@ fast::VdsTreeModel& VdsPageSession::model()
 
 QPushButton* VdsPageSession::button()
 {
-    return widget.findChild<QPushButton*>();
+    return actionButton(widget);
 }
 
 void VdsPageSession::startMount(const QString& url)
 {
     if (widget.getType() == fast::VdsWidget::CLOUD_URL)
-        widget.findChild<QLineEdit*>()->setText(url);
+        pathField(widget)->setText(url);
     else
         answerNextFileDialog(url);
     QTest::mouseClick(button(), Qt::LeftButton);

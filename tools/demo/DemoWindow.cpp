@@ -1,6 +1,7 @@
 #include "DemoWindow.h"
 
 #include "EventBusPane.h"
+#include "PanelControls.h"
 #include "ProjectPane.h"
 #include "ProjectStore.h"
 #include "SettingsDialog.h"
@@ -44,14 +45,8 @@ DemoWindow::DemoWindow(const QString& projectFolder, QWidget* parent)
 
 QString DemoWindow::panelStatus() const
 {
-    if (!m_panel)
-        return QString();
-    // The status line is the panel's only label that speaks of the service.
-    for (const QLabel* label : m_panel->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly)) {
-        if (label->text().contains(QStringLiteral("FAST")))
-            return label->text();
-    }
-    return QString();
+    const QLabel* status = m_panel ? statusLabel(*m_panel) : nullptr;
+    return status ? status->text() : QString();
 }
 
 void DemoWindow::reopenPanel()

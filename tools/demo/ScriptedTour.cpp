@@ -1,7 +1,8 @@
 #include "ScriptedTour.h"
 
 #include "DemoWindow.h"
-#include "PanelControls.h"
+#include "PanelDriver.h"
+#include "PanelTrees.h"
 #include "ProjectStore.h"
 #include "SettingsDialog.h"
 #include "WindowPicture.h"
@@ -11,16 +12,15 @@
 #include <fast/panel/VdsWidget.h>
 #include <fast/trees/FastTreeView.h>
 
-#include <QAbstractButton>
-#include <QApplication>
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
+#include <QTimer>
 
 #include <cstdio>
 #include <optional>
@@ -39,15 +39,17 @@ constexpr int kTourTimeoutMs = 150000;
 ScriptedTour::ScriptedTour(DemoWindow* window, TourOptions options, QObject* parent)
     : QObject(parent), m_window(window), m_options(std::move(options))
 {
-    // A warning box runs its own event loop, in which this timer keeps firing.
-    connect(&m_boxWatch, &QTimer::timeout, this, &ScriptedTour::answerMessageBoxes);
+    // Before the box is answered, while the window still shows it.
+    connect(&m_boxes, &MessageBoxAnswerer::boxShown, this, [this] {
+        if (!m_options.tourDir.isEmpty())
+            shoot(QDir(m_options.tourDir).filePath(QStringLiteral("message-box.png")));
+    });
 }
 
 void ScriptedTour::start()
 {
     if (!m_options.tourDir.isEmpty() && !QDir().mkpath(m_options.tourDir))
         return fail(tr("cannot make the folder %1").arg(m_options.tourDir));
-    m_boxWatch.start(100);
     QTimer::singleShot(kTourTimeoutMs, this,
                        [this] { fail(tr("the tour took longer than %1 s").arg(kTourTimeoutMs / 1000)); });
 
@@ -69,7 +71,7 @@ void ScriptedTour::waitUntil(const std::function<bool()>& done, int timeoutMs, c
     connect(poll, &QTimer::timeout, this, [this, poll, clock, done, timeoutMs, what, next] {
         if (m_done) {
             poll->deleteLater();
-        } else if (!m_messageBoxes.isEmpty()) {
+        } else if (!m_boxes.boxes().isEmpty()) {
             poll->deleteLater();
             fail(tr("the panel reported a problem while waiting for %1").arg(what));
         } else if (done()) {
@@ -108,46 +110,57 @@ void ScriptedTour::afterConnectionCheck()
     });
 }
 
-void ScriptedTour::mount()
+bool ScriptedTour::prepareSample()
 {
-    fast::VdsWidget* page = panelControls::localPage(m_window->panel());
-    if (!page)
-        return fail(tr("the panel has no local VDS page with a tree"));
-
     m_sample = m_options.samplePath;
     if (m_sample.isEmpty()) {
         // FAST only needs a path to register; the bytes are never read.
         m_sample = m_sampleDir.filePath(QStringLiteral("sample.vds"));
         QFile file(m_sample);
-        if (!file.open(QIODevice::WriteOnly) || file.write("sample volume\n") < 0)
-            return fail(tr("cannot write a sample volume at %1").arg(m_sample));
+        if (!file.open(QIODevice::WriteOnly) || file.write("sample volume\n") < 0) {
+            fail(tr("cannot write a sample volume at %1").arg(m_sample));
+            return false;
+        }
     }
     m_sample = QFileInfo(m_sample).absoluteFilePath();
-    if (!QFileInfo(m_sample).isFile())
-        return fail(tr("no volume to mount at %1").arg(m_sample));
+    if (!QFileInfo(m_sample).isFile()) {
+        fail(tr("no volume to mount at %1").arg(m_sample));
+        return false;
+    }
+    return true;
+}
 
-    panelControls::showPage(m_window->panel(), page);
-    const fast::VdsModel record = panelControls::chooseLocalVolume(page, m_sample);
+void ScriptedTour::mount()
+{
+    fast::VdsWidget* page = localVdsPage();
+    QPushButton* openButton = page ? actionButton(*page) : nullptr;
+    if (!openButton || !openButton->isEnabled() || !page->treeView())
+        return fail(tr("the panel has no local VDS page with a tree and an enabled Open VDS button"));
+    if (!prepareSample())
+        return;
 
+    showPage(*m_window->panel(), page);
     connect(m_window->panel(), &fast::FastTabWidget::addToExtraDataManager, this,
             [this](const QString& fileName, fast::eVdsLocation) { m_mountedName = fileName; });
     connect(m_window->panel(), &fast::FastTabWidget::removeVdsFileFromProject, this,
             [this](const QString& fileName) { m_removedName = fileName; });
 
     say(tr("registering %1 and opening the mount dialog").arg(m_sample));
-    page->onMountVds(m_window->project()->folder(), record);
+    // Open VDS asks for the file; the page then finds or adds its record, registers the volume
+    // and opens the mount dialog. Only Qt's own file dialog can be answered by a script.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    answerNextFileDialog(m_sample);
+    openButton->click();
     if (m_done)
         return;
-    if (!m_messageBoxes.isEmpty())
+    if (!m_boxes.boxes().isEmpty())
         return fail(tr("the panel could not register the volume"));
 
-    fast::MountNewVolume* dialog = panelControls::openMountDialog(page);
-    if (!dialog)
-        return fail(tr("the panel opened no mount dialog"));
-    QLineEdit* name = panelControls::fileNameField(dialog);
+    fast::MountNewVolume* dialog = openMountDialog(page);
+    QLineEdit* name = dialog ? fileNameField(*dialog) : nullptr;
     if (!name)
-        return fail(tr("the mount dialog has no field for the file name"));
-    name->setText(panelControls::freeFileName(QFileInfo(m_sample).completeBaseName(), m_window->project()->folder()));
+        return fail(tr("the panel opened no mount dialog with a field for the file name"));
+    name->setText(freeFileName(QFileInfo(m_sample).completeBaseName(), m_window->project()->folder()));
     say(tr("the mount dialog is open; naming the file \"%1\"").arg(name->text()));
 
     settleThen([this] {
@@ -158,11 +171,12 @@ void ScriptedTour::mount()
 
 void ScriptedTour::save()
 {
-    fast::VdsWidget* page = panelControls::localPage(m_window->panel());
-    QPushButton* saveButton = page ? panelControls::saveButton(panelControls::openMountDialog(page)) : nullptr;
-    if (!saveButton)
+    fast::VdsWidget* page = localVdsPage();
+    fast::MountNewVolume* dialog = page ? openMountDialog(page) : nullptr;
+    QPushButton* dialogSave = dialog ? saveButton(*dialog) : nullptr;
+    if (!dialogSave)
         return fail(tr("the mount dialog has no Save button"));
-    saveButton->click();
+    dialogSave->click();
     if (m_done)
         return;
     waitUntil([this] { return !m_mountedName.isEmpty(); }, kMountTimeoutMs, tr("the mounted file to reach the project"),
@@ -175,7 +189,7 @@ void ScriptedTour::afterMount()
         return fail(tr("the project does not hold %1 as a local file").arg(m_mountedName));
     say(tr("mounted; the project now holds \"%1\" (local file)").arg(m_mountedName));
     // As a user would open the volume to see its new file.
-    if (fast::VdsWidget* page = panelControls::localPage(m_window->panel()))
+    if (fast::VdsWidget* page = localVdsPage())
         page->treeView()->expandAll();
     settleThen([this] {
         if (!m_options.screenshotFile.isEmpty()) {
@@ -193,10 +207,11 @@ void ScriptedTour::afterMount()
 
 void ScriptedTour::unmount()
 {
-    fast::VdsWidget* page = panelControls::localPage(m_window->panel());
+    fast::VdsWidget* page = localVdsPage();
     if (!page)
         return fail(tr("the local VDS page is gone"));
-    const std::optional<fast::VdsModel> mounted = panelControls::volumeWithUrl(page, m_sample);
+    const std::optional<fast::VdsModel> mounted = volumeAtRow(page->treeView(),
+                                                              rowOfVolume(page->treeView(), m_sample.toStdString()));
     if (!mounted || mounted->vdsId.empty() || mounted->files.empty())
         return fail(tr("the local tree does not show the mounted volume with its file"));
 
@@ -235,7 +250,7 @@ void ScriptedTour::fail(const QString& reason)
         return;
     m_done = true;
     QString text = reason;
-    for (const QString& box : std::as_const(m_messageBoxes))
+    for (const QString& box : m_boxes.summaries())
         text += tr("\n  the panel said: %1").arg(box);
     std::fprintf(stderr, "fast-panel-demo: tour failed: %s\n", qPrintable(text));
     if (!m_options.tourDir.isEmpty() && shoot(QDir(m_options.tourDir).filePath(QStringLiteral("failed.png"))))
@@ -264,24 +279,14 @@ bool ScriptedTour::shootStep(const QString& name)
     return true;
 }
 
-void ScriptedTour::answerMessageBoxes()
+fast::VdsWidget* ScriptedTour::localVdsPage() const
 {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        auto* box = qobject_cast<QMessageBox*>(window);
-        if (!box || !box->isVisible() || box->property("answeredByTour").toBool())
-            continue;
-        box->setProperty("answeredByTour", true);
-        m_messageBoxes << box->windowTitle() + ": " + box->text();
-        if (!m_options.tourDir.isEmpty())
-            shoot(QDir(m_options.tourDir).filePath(QStringLiteral("message-box.png")));
-        QAbstractButton* button = box->defaultButton();
-        if (!button)
-            button = box->buttons().value(0);
-        if (button)
-            button->click();
-        else
-            box->reject();
-    }
+    return m_window->panel() ? localPage(*m_window->panel()) : nullptr;
+}
+
+fast::OsduWidget* ScriptedTour::osduSearchPage() const
+{
+    return m_window->panel() ? osduPage(*m_window->panel()) : nullptr;
 }
 
 void ScriptedTour::say(const QString& text)

@@ -1,15 +1,20 @@
 #pragma once
 
+#include "MessageBoxAnswerer.h"
+
 #include <QObject>
 #include <QString>
-#include <QStringList>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <functional>
 #include <string>
 
 class DemoWindow;
+
+namespace fast {
+class OsduWidget;
+class VdsWidget;
+} // namespace fast
 
 struct TourOptions
 {
@@ -31,7 +36,7 @@ class ScriptedTour : public QObject
     Q_OBJECT
 
 public:
-    ScriptedTour(DemoWindow* window, TourOptions options, QObject* parent = nullptr);
+    explicit ScriptedTour(DemoWindow* window, TourOptions options, QObject* parent = nullptr);
 
     void start();
 
@@ -44,6 +49,8 @@ private:
     // Lets layouts and paints catch up before a picture.
     void settleThen(const std::function<void()>& next);
     void afterConnectionCheck();
+    // The volume to mount, made up when none was given; false once the tour has failed.
+    bool prepareSample();
     void mount();
     void save();
     void afterMount();
@@ -61,7 +68,9 @@ private:
 
     bool shoot(const QString& file);
     bool shootStep(const QString& name);
-    void answerMessageBoxes();
+    // The panel's pages; null when the panel is gone or looks otherwise.
+    fast::VdsWidget* localVdsPage() const;
+    fast::OsduWidget* osduSearchPage() const;
     static void say(const QString& text);
 
     DemoWindow* m_window;
@@ -72,7 +81,7 @@ private:
     QString m_removedName;
     QString m_osduFileName;
     std::string m_osduDatasetUrl;
-    QStringList m_messageBoxes;
-    QTimer m_boxWatch;
+    // What the panel said in message boxes, each answered as a person would.
+    MessageBoxAnswerer m_boxes;
     bool m_done = false;
 };

@@ -4,9 +4,10 @@
 #include "ScriptedTour.h"
 
 #include "DemoWindow.h"
-#include "HeadlessBrowser.h"
-#include "PanelControls.h"
+#include "PanelDriver.h"
+#include "PanelTrees.h"
 #include "ProjectStore.h"
+#include "TestBrowser.h"
 
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduSettingsKeys.h>
@@ -49,37 +50,38 @@ void ScriptedTour::osduSignIn()
                 .arg(settingsGroup(), QSettings().fileName()));
         return succeed();
     }
-    fast::OsduWidget* page = panelControls::osduPage(m_window->panel());
-    auto* providerChoice = page ? page->findChild<QComboBox*>() : nullptr;
-    QPushButton* connectButton = panelControls::button(page, QStringLiteral("Connect"));
-    if (!providerChoice || !connectButton || !panelControls::searchField(page))
+    fast::OsduWidget* page = osduSearchPage();
+    QComboBox* provider = page ? providerChoice(*page) : nullptr;
+    QPushButton* pageConnect = page ? connectButton(*page) : nullptr;
+    if (!provider || !pageConnect || !searchInput(*page))
         return fail(tr("the panel has no OSDU page with a provider choice, a Connect button and a search box"));
 
-    panelControls::showPage(m_window->panel(), page);
-    providerChoice->setCurrentIndex(kProvider);
-    // The page takes the process-wide initializer made here, and with it this browser.
-    fast::OsduFastInitializer::instance(kProvider)->authProvider()->setBrowserOpener(headlessBrowser());
+    showPage(*m_window->panel(), page);
+    provider->setCurrentIndex(kProvider);
+    // The page takes the process-wide initializer made here, and with it this browser, which
+    // follows the redirects of an authorization server that approves at once, as the emulator does.
+    fast::OsduFastInitializer::instance(kProvider)->authProvider()->setBrowserOpener(testBrowser());
     say(tr("signing in to OSDU (%1 settings) at %2; a headless browser plays the person")
             .arg(settingsGroup(), authorizeUrl));
-    connectButton->click();
+    pageConnect->click();
     if (m_done)
         return;
-    if (!m_messageBoxes.isEmpty())
+    if (!m_boxes.boxes().isEmpty())
         return fail(tr("the OSDU page could not start the sign-in"));
-    waitUntil([page] { return panelControls::searchField(page)->isEnabled(); }, kSignInTimeoutMs,
+    waitUntil([page] { return searchInput(*page)->isEnabled(); }, kSignInTimeoutMs,
               tr("the OSDU sign-in to enable the search box"), [this] { osduSearch(); });
 }
 
 void ScriptedTour::osduSearch()
 {
-    fast::OsduWidget* page = panelControls::osduPage(m_window->panel());
-    QPushButton* searchButton = panelControls::button(page, QStringLiteral("Search"));
-    QLabel* results = panelControls::resultLabel(page);
-    if (!searchButton || !results)
+    fast::OsduWidget* page = osduSearchPage();
+    QPushButton* pageSearch = page ? searchButton(*page) : nullptr;
+    QLabel* results = page ? resultLine(*page) : nullptr;
+    if (!pageSearch || !results)
         return fail(tr("the OSDU page has no Search button or result line"));
     say(tr("signed in; searching with an empty filter"));
-    panelControls::searchField(page)->clear();
-    searchButton->click();
+    searchInput(*page)->clear();
+    pageSearch->click();
     if (m_done)
         return;
     const QRegularExpression answered(QStringLiteral("^(\\d+ result\\(s\\) found|No result)$"));
@@ -89,13 +91,11 @@ void ScriptedTour::osduSearch()
 
 void ScriptedTour::afterOsduSearch()
 {
-    fast::OsduWidget* page = panelControls::osduPage(m_window->panel());
-    const QString results = panelControls::resultLabel(page)->text();
+    fast::OsduWidget* page = osduSearchPage();
+    const QString results = resultLabel(*page);
     if (!results.endsWith(QStringLiteral("found")))
         return fail(tr("the OSDU search found no dataset; the page says \"%1\"").arg(results));
-    say(tr("\"%1\"; %2 of them already known to FAST")
-            .arg(results)
-            .arg(panelControls::registeredCount(page->treeView())));
+    say(tr("\"%1\"; %2 of them already known to FAST").arg(results).arg(registeredCount(page->treeView())));
     settleThen([this] {
         if (shootStep(QStringLiteral("5-osdu-results.png")))
             osduMount();
@@ -104,30 +104,30 @@ void ScriptedTour::afterOsduSearch()
 
 void ScriptedTour::osduMount()
 {
-    fast::OsduWidget* page = panelControls::osduPage(m_window->panel());
+    fast::OsduWidget* page = osduSearchPage();
     fast::FastTreeView* tree = page->treeView();
-    const int row = panelControls::firstUnregisteredRow(tree);
+    const int row = firstUnregisteredRow(tree);
     if (row < 0)
         return fail(tr("every dataset found is known to FAST already: none is left to mount afresh"));
-    const fast::VdsModel dataset = *panelControls::volumeAtRow(tree, row);
+    const fast::VdsModel dataset = *volumeAtRow(tree, row);
     m_osduDatasetUrl = dataset.url;
 
     say(tr("clicking the mount icon of \"%1\" (%2)").arg(dataset.name, QString::fromStdString(dataset.url)));
-    panelControls::clickCell(tree, row, 2);
+    clickCell(tree, row, 2);
     if (m_done)
         return;
-    if (!m_messageBoxes.isEmpty())
+    if (!m_boxes.boxes().isEmpty())
         return fail(tr("the panel could not register the dataset in FAST"));
 
-    fast::MountNewVolume* dialog = panelControls::openMountDialog(page);
-    QLineEdit* name = panelControls::fileNameField(dialog);
-    QPushButton* saveButton = panelControls::saveButton(dialog);
-    if (!name || !saveButton)
+    fast::MountNewVolume* dialog = openMountDialog(page);
+    QLineEdit* name = dialog ? fileNameField(*dialog) : nullptr;
+    QPushButton* dialogSave = dialog ? saveButton(*dialog) : nullptr;
+    if (!name || !dialogSave)
         return fail(tr("the mount icon opened no mount dialog with a name field and a Save button"));
-    m_osduFileName = panelControls::freeFileName(QStringLiteral("osdu-volume"), m_window->project()->folder());
+    m_osduFileName = freeFileName(QStringLiteral("osdu-volume"), m_window->project()->folder());
     name->setText(m_osduFileName);
     say(tr("the mount dialog is open; naming the file \"%1\" and saving").arg(m_osduFileName));
-    saveButton->click();
+    dialogSave->click();
     if (m_done)
         return;
     waitUntil([this] { return m_window->project()->holds(m_osduFileName, fast::OSDU); }, kMountTimeoutMs,
@@ -138,10 +138,10 @@ void ScriptedTour::afterOsduMount()
 {
     say(tr("mounted; the project now holds \"%1\" (OSDU)").arg(m_osduFileName));
     // As a user would open the dataset to see its new file.
-    if (fast::OsduWidget* page = panelControls::osduPage(m_window->panel())) {
-        const int row = panelControls::rowOfVolume(page->treeView(), m_osduDatasetUrl);
+    if (fast::OsduWidget* page = osduSearchPage()) {
+        const int row = rowOfVolume(page->treeView(), m_osduDatasetUrl);
         if (row >= 0)
-            panelControls::openRowWholly(page->treeView(), row);
+            openRowWholly(page->treeView(), row);
     }
     settleThen([this] {
         if (shootStep(QStringLiteral("6-osdu-mounted.png")))

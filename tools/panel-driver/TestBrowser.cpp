@@ -1,13 +1,13 @@
 #include "TestBrowser.h"
 
-#include "SignInWatch.h"
-
+#include <QDebug>
 #include <QRegularExpression>
-#include <QSignalSpy>
 #include <QThread>
 #include <QUrlQuery>
 
 #include <curl/curl.h>
+
+#include <mutex>
 
 namespace {
 
@@ -74,7 +74,11 @@ QUrl load(CURL* curl, const QUrl& url, const QByteArray* body, BrowserVisit& vis
     } else {
         curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
     }
-    curl_easy_perform(curl);
+    if (const CURLcode result = curl_easy_perform(curl); result != CURLE_OK) {
+        // The address carries the sign-in's state and challenge: name only the server.
+        qWarning("the browser could not load a page of %s: %s",
+                 qPrintable(url.adjusted(QUrl::RemovePath | QUrl::RemoveQuery).toString()), curl_easy_strerror(result));
+    }
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &visit.status);
     char* landed = nullptr;
     curl_easy_getinfo(curl, CURLINFO_EFFECTIVE_URL, &landed);
@@ -120,6 +124,9 @@ osdu::OsduAuthProvider::BrowserOpener testBrowser(std::function<QUrl(const QUrl&
 
 osdu::OsduAuthProvider::BrowserOpener testBrowser(std::vector<BrowserStep> steps)
 {
+    // Not thread-safe, so done here rather than lazily by the browser thread's first handle.
+    static std::once_flag curlReady;
+    std::call_once(curlReady, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
     return [steps = std::move(steps)](const QUrl& url) {
         QThread* browser = QThread::create([url, steps] { browseInTurn(url, steps); });
         QObject::connect(browser, &QThread::finished, browser, &QObject::deleteLater);
@@ -138,20 +145,4 @@ std::function<QUrl(const QUrl&)> replacingQueryItem(const QString& name, const Q
         changed.setQuery(query);
         return changed;
     };
-}
-
-osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened)
-{
-    return [opened](const QUrl&) {
-        *opened = true;
-        return false;
-    };
-}
-
-bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider)
-{
-    bool opened = false;
-    provider.setBrowserOpener(forbiddenBrowser(&opened));
-    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
-    return provider.authorizeAsync(kSignInLimitMs) && authorized.wait(kSignInLimitMs) && !opened;
 }

@@ -1,44 +1,29 @@
 #include "PanelDriver.h"
 
-#include "SignInWatch.h"
-
-#include <fast/osdu/SearchInput.h>
+#include <fast/client/VirtualDrive.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/OsduWidget.h>
-#include <fast/trees/FastTreeModel.h>
-#include <fast/trees/FastTreeView.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
 #include <memory>
-
-fast::MountNewVolume* openMountDialog(QWidget* page)
-{
-    for (auto* dialog : page->findChildren<fast::MountNewVolume*>()) {
-        if (dialog->isVisible())
-            return dialog;
-    }
-    return nullptr;
-}
 
 void answerMountDialog(QWidget* page, const QString& name, const QString& button)
 {
     fast::MountNewVolume* dialog = openMountDialog(page);
     if (!dialog)
         return;
-    QLineEdit* nameEdit = dialog->findChild<QLineEdit*>();
-    QTest::keyClicks(nameEdit, name);
-    for (auto* candidate : dialog->findChildren<QPushButton*>()) {
-        if (candidate->text() == button)
+    QTest::keyClicks(fileNameField(*dialog), name);
+    for (QPushButton* candidate : {saveButton(*dialog), cancelButton(*dialog)}) {
+        if (candidate && candidate->text() == button)
             QTest::mouseClick(candidate, Qt::LeftButton);
     }
 }
@@ -75,34 +60,6 @@ void answerNextFileDialog(const QString& path)
     poll->start(10);
 }
 
-QPushButton* searchButton(const fast::OsduWidget& page)
-{
-    return page.findChildren<QPushButton*>().at(0);
-}
-
-QPushButton* connectButton(const fast::OsduWidget& page)
-{
-    return page.findChildren<QPushButton*>().at(1);
-}
-
-fast::SearchInput* searchInput(const fast::OsduWidget& page)
-{
-    return page.findChild<fast::SearchInput*>();
-}
-
-QString resultLabel(const fast::OsduWidget& page)
-{
-    return page.findChildren<QLabel*>().first()->text();
-}
-
-QStringList resultNames(const fast::OsduWidget& page)
-{
-    QStringList names;
-    for (const fast::VdsModel& record : page.treeView()->model()->vdsList())
-        names << record.name;
-    return names;
-}
-
 bool search(const fast::OsduWidget& page)
 {
     QPushButton* button = searchButton(page);
@@ -110,9 +67,14 @@ bool search(const fast::OsduWidget& page)
     return QTest::qWaitFor([button] { return button->isEnabled(); }, 120000);
 }
 
-bool connectAndSearch(const fast::OsduWidget& page, osdu::OsduAuthProvider& provider)
+QString freeFileName(const QString& wanted, const QString& projectFolder)
 {
-    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
-    QTest::mouseClick(connectButton(page), Qt::LeftButton);
-    return authorized.wait(kSignInLimitMs) && search(page);
+    const auto taken = [&projectFolder](const QString& name) {
+        return QDir(projectFolder).exists(name) || QDir(fast::mountPoint()).exists(name)
+               || fast::fileExistsInVirtualDrive(name);
+    };
+    QString name = wanted;
+    for (int suffix = 2; taken(name); ++suffix)
+        name = QStringLiteral("%1-%2").arg(wanted).arg(suffix);
+    return name;
 }

@@ -25,7 +25,8 @@ struct BrowserVisit
 // Plays the person's web browser during sign-in: on a thread of its own it opens the sign-in
 // URL and follows the redirects back to the loopback listener, keeping cookies and answering
 // the server's forms on the way (any login and password; consent given). tamper may change the
-// URL first (to forge the state, say); visit, when given, receives the listener's answer.
+// URL first (to forge the state, say); visit, when given, receives the listener's answer. A
+// transport failure is logged as a warning; the sign-in then times out.
 osdu::OsduAuthProvider::BrowserOpener testBrowser(std::function<QUrl(const QUrl&)> tamper = {},
                                                   std::shared_ptr<BrowserVisit> visit = {});
 
@@ -39,10 +40,3 @@ osdu::OsduAuthProvider::BrowserOpener testBrowser(std::vector<BrowserStep> steps
 
 // A tamper for testBrowser: the sign-in URL with one query item's value replaced.
 std::function<QUrl(const QUrl&)> replacingQueryItem(const QString& name, const QString& value);
-
-// A browser that must not be used: a sign-in that opens it has gone the wrong way.
-osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened);
-
-// Signs provider in as a later run does, from its refresh token; false when that failed or
-// needed the browser.
-bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider);

@@ -28,6 +28,7 @@ void MessageBoxAnswerer::answerOpenBoxes()
             continue;
         box->setProperty("answered", true);
         m_boxes.append({box->windowTitle(), box->text()});
+        Q_EMIT boxShown(box);
         QAbstractButton* button = box->defaultButton();
         if (!button)
             button = box->buttons().value(0);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QList>
+#include <QMessageBox>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 // Answers the modal message boxes that the code under test opens while this object lives,
@@ -24,6 +26,11 @@ public:
     QList<Box> boxes() const { return m_boxes; }
     // "title: text" of every box answered, in order: handy in QCOMPARE.
     QStringList summaries() const;
+
+Q_SIGNALS:
+    // A box has been seen, and is recorded; it is answered once the receivers return, so that
+    // they may still look at it (take a picture of the window, say).
+    void boxShown(QMessageBox* box);
 
 private:
     void answerOpenBoxes();
