@@ -169,7 +169,7 @@ private Q_SLOTS:
                                  std::invalid_argument);
     }
 
-    void emptyOrTakenNameStaysInTheDialog()
+    void emptyUnfitOrTakenNameStaysInTheDialog()
     {
         FastEmulatorFixture fixture;
         fixture.settings().set("FAST", "FAST_MOUNT_POINT", fixture.driveDir());
@@ -179,8 +179,14 @@ private Q_SLOTS:
 
         session.save("");
         QCOMPARE(labelState(session.dialog), "Filename QLabel { color : red; }");
+        for (const QString unfit : {"  ", "a:b", "cube.", "LPT1.vds"}) {
+            session.save(unfit);
+            QCOMPARE(labelState(session.dialog), "Invalid filename QLabel { color : red; }");
+            QVERIFY(fileNameLabel(session.dialog)->toolTip().contains("cannot be blank, contain / \\ : * ? \" < > |"));
+        }
         session.save("cube");
         QCOMPARE(labelState(session.dialog), "File already exists QLabel { color : red; }");
+        QVERIFY(fileNameLabel(session.dialog)->toolTip().isEmpty());
         QVERIFY(session.dialog.isVisible());
         QCOMPARE(fixture.requestLines(), QStringList());
 

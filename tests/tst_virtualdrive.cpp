@@ -74,6 +74,15 @@ private Q_SLOTS:
         QFETCH(QString, url);
         QCOMPARE(QString::fromStdString(fast::modifyVdsFilepath(path.toStdString())), url);
     }
+
+    void theDriveHoldsOnlyNamesWindowsTakes()
+    {
+        for (const QString name : {"north-sea", "north sea.v2", "CONSOLE", "COM10", "LPT0", "nul-shallow", "été"})
+            QVERIFY2(fast::driveCanHoldFileName(name), qPrintable(name));
+        for (const QString name : {"", "   ", "a/b", "a\\b", "c:", "a*", "why?", "\"q\"", "<a>", "a|b", "cube.",
+                                   "cube ", "CON", "con", "Aux.vds", "nul .txt", "COM1", "lpt9.kv"})
+            QVERIFY2(!fast::driveCanHoldFileName(name), qPrintable(name));
+    }
 };
 
 QTEST_GUILESS_MAIN(VirtualDriveTest)

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <regex>
@@ -38,6 +39,19 @@ bool fileExistsInVirtualDrive(const QString& path)
 {
     const QString name = QFileInfo(cleanDrivePath(path)).completeBaseName() + kHostProjectExtension;
     return QDir(mountPoint()).exists(name);
+}
+
+bool driveCanHoldFileName(const QString& name)
+{
+    static const QRegularExpression forbidden(QStringLiteral(R"([/\\:*?"<>|])"));
+    static const QRegularExpression device(QStringLiteral("^(CON|PRN|AUX|NUL|COM[1-9]|LPT[1-9])$"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    if (name.trimmed().isEmpty() || name.contains(forbidden) || name.endsWith(QLatin1Char('.'))
+        || name.endsWith(QLatin1Char(' ')))
+        return false;
+    // "CON.txt" and "con .vds" name the device as well.
+    const QString stem = name.section(QLatin1Char('.'), 0, 0).trimmed();
+    return !device.match(stem).hasMatch();
 }
 
 std::string modifyVdsFilepath(const std::string& path)

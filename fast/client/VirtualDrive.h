@@ -22,6 +22,11 @@ FASTPANEL_EXPORT bool isMountedInVirtualDrive(const QString& path);
 // last suffix, with the host project's extension ".kv".
 FASTPANEL_EXPORT bool fileExistsInVirtualDrive(const QString& path);
 
+// Whether the drive, a Windows drive, can hold a file of this name: not blank, none of
+// / \ : * ? " < > |, not ending in a dot or a blank, and not a device name (CON, PRN, AUX, NUL,
+// COM1 to COM9, LPT1 to LPT9), with or without an extension, in any case.
+FASTPANEL_EXPORT bool driveCanHoldFileName(const QString& name);
+
 // An OSDU cloud path as the URL FAST accepts: "s3:" becomes "https:", the region between the
 // first "s3" and ".amazonaws" goes, and one trailing "/" goes.
 FASTPANEL_EXPORT std::string modifyVdsFilepath(const std::string& path);

@@ -33,7 +33,7 @@ const char* const kPanelHelp =
 
 FastTabWidget::FastTabWidget(const QString& projectPath, QWidget* parent) : QWidget(parent)
 {
-    const auto fast = std::make_shared<Fast>(osdu::getSettingValue("FAST", "FAST_HOST", "localhost"));
+    const auto fast = std::make_shared<Fast>(osdu::getSettingValue(FAST_GROUP, FAST_HOST, "localhost"));
 
     m_statusLabel = new QLabel("Checking connection to Bluware FAST™...", this);
     m_statusLabel->setObjectName(kStatusLabel);

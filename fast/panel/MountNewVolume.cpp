@@ -40,6 +40,9 @@ constexpr int kRenameRetryMs = 10;
 constexpr int kRenameAttempts = 1000;
 
 const char* const kRedLabel = "QLabel { color : red; }";
+const char* const kInvalidNameHelp =
+    "A file name cannot be blank, contain / \\ : * ? \" < > |, end in a dot or a blank, or be a device "
+    "name (CON, PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9), with or without an extension.";
 
 QString mountErrorTitle()
 {
@@ -196,6 +199,7 @@ void MountNewVolume::applyRange(const SubvolumeRange& range)
 void MountNewVolume::onFileNameEdited()
 {
     m_fileNameLabel->setText(QStringLiteral("Filename"));
+    m_fileNameLabel->setToolTip(QString());
     m_fileNameLabel->setStyleSheet(
         QStringLiteral("QLabel { color : %1; }").arg(QApplication::palette().color(QPalette::Text).name()));
 }
@@ -208,51 +212,16 @@ void MountNewVolume::onSave()
         row->upper->interpretText();
     }
     const QString name = m_fileNameEdit->text();
-    if (name.isEmpty()) {
-        m_fileNameLabel->setText(QStringLiteral("Filename"));
-        m_fileNameLabel->setStyleSheet(kRedLabel);
+    if (!acceptsFileName(name))
         return;
-    }
-    // FAST would refuse a name its drive already holds; asking first keeps the user here to
-    // choose another.
-    if (fileExistsInVirtualDrive(name)) {
-        m_fileNameLabel->setText(QStringLiteral("File already exists"));
-        m_fileNameLabel->setStyleSheet(kRedLabel);
-        return;
-    }
 
     const QFileInfo link(m_projectPath + QDir::separator() + name + QStringLiteral(".kv"));
-    // FAST takes the Z pair first and the In-line pair last, the reverse of the description
-    // that set the rows' defaults; mounts made so far depend on this order, so it stays.
-    int status = 0;
-    std::string fileId;
-    QString body;
-    try {
-        const auto response = m_fast->mountFile(m_vdsId, name.toUtf8().toStdString(),
-                                                m_projectPath.toUtf8().toStdString(), m_z.slider->lowerValue(),
-                                                m_z.slider->upperValue(), m_crossline.slider->lowerValue(),
-                                                m_crossline.slider->upperValue(), m_inline.slider->lowerValue(),
-                                                m_inline.slider->upperValue());
-        status = response->getResponse();
-        fileId = response->getMessage();
-        body = QString::fromStdString(fileId);
-    } catch (const std::exception& failure) {
-        // No answer to show: the request never made it, as when FAST cannot be reached.
-        body = exceptionText(failure);
-    }
-    // An answer that names no file id, or none that arrived, may still have mounted the file:
-    // FAST's listing says which, so that the page never keeps an id FAST does not know and no
-    // file stays mounted that the page does not know of.
-    if ((status == 200 && !isFastId(fileId)) || status == 0) {
-        fileId = mountedFileId(name.toUtf8().toStdString());
-        if (!fileId.empty())
-            status = 200;
-    }
-    if (status != 200 || fileId.empty()) {
-        showMountError(link.completeBaseName(), status, body);
+    const MountAnswer answer = requestMount(name);
+    if (answer.status != 200 || answer.fileId.empty()) {
+        showMountError(link.completeBaseName(), answer.status, answer.body);
         MDEventBus::sendMessage(MDEventBus::Error,
                                 QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : %1 : %2")
-                                    .arg(QString::number(status), body),
+                                    .arg(QString::number(answer.status), answer.body),
                                 false);
         done(0);
         return;
@@ -261,7 +230,60 @@ void MountNewVolume::onSave()
     m_mounting = true;
     m_saveButton->setEnabled(false);
     m_cancelButton->setEnabled(false);
+    renameLinkOnceWritten(link, answer.fileId);
+}
 
+bool MountNewVolume::acceptsFileName(const QString& name)
+{
+    const auto refuse = [this](const QString& label, const QString& toolTip) {
+        m_fileNameLabel->setText(label);
+        m_fileNameLabel->setStyleSheet(kRedLabel);
+        m_fileNameLabel->setToolTip(toolTip);
+        return false;
+    };
+    if (name.isEmpty())
+        return refuse(QStringLiteral("Filename"), QString());
+    // FAST's drive is a Windows drive: a name it cannot hold would only fail there.
+    if (!driveCanHoldFileName(name))
+        return refuse(QStringLiteral("Invalid filename"), tr(kInvalidNameHelp));
+    // FAST would refuse a name its drive already holds; asking first keeps the user here to
+    // choose another.
+    if (fileExistsInVirtualDrive(name))
+        return refuse(QStringLiteral("File already exists"), QString());
+    return true;
+}
+
+MountNewVolume::MountAnswer MountNewVolume::requestMount(const QString& name) const
+{
+    // FAST takes the Z pair first and the In-line pair last, the reverse of the description
+    // that set the rows' defaults; mounts made so far depend on this order, so it stays.
+    MountAnswer answer;
+    try {
+        const auto response = m_fast->mountFile(m_vdsId, name.toUtf8().toStdString(),
+                                                m_projectPath.toUtf8().toStdString(), m_z.slider->lowerValue(),
+                                                m_z.slider->upperValue(), m_crossline.slider->lowerValue(),
+                                                m_crossline.slider->upperValue(), m_inline.slider->lowerValue(),
+                                                m_inline.slider->upperValue());
+        answer.status = response->getResponse();
+        answer.fileId = response->getMessage();
+        answer.body = QString::fromStdString(answer.fileId);
+    } catch (const std::exception& failure) {
+        // No answer to show: the request never made it, as when FAST cannot be reached.
+        answer.body = exceptionText(failure);
+    }
+    // An answer that names no file id, or none that arrived, may still have mounted the file:
+    // FAST's listing says which, so that the page never keeps an id FAST does not know and no
+    // file stays mounted that the page does not know of.
+    if ((answer.status == 200 && !isFastId(answer.fileId)) || answer.status == 0) {
+        answer.fileId = mountedFileId(name.toUtf8().toStdString());
+        if (!answer.fileId.empty())
+            answer.status = 200;
+    }
+    return answer;
+}
+
+void MountNewVolume::renameLinkOnceWritten(const QFileInfo& link, const std::string& fileId)
+{
     // FAST writes the link a while after answering, so the rename waits for it off this thread.
     const QString source = link.absoluteFilePath();
     const QString target = link.absolutePath() + QDir::separator() + link.completeBaseName();

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+class QFileInfo;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -53,6 +54,19 @@ private:
     void applyRange(const SubvolumeRange& range);
     void onFileNameEdited();
     void onSave();
+    // False, with the label saying why in red, for a name the drive cannot take: empty, one it
+    // cannot hold, or one it holds already.
+    bool acceptsFileName(const QString& name);
+    struct MountAnswer
+    {
+        int status = 0;
+        std::string fileId;
+        // What to show of the answer: FAST's body, or why no answer came.
+        QString body;
+    };
+    // Asks FAST to mount the file; a missing or odd answer is settled by FAST's listing.
+    MountAnswer requestMount(const QString& name) const;
+    void renameLinkOnceWritten(const QFileInfo& link, const std::string& fileId);
     // The id FAST lists for the file name mounted from this volume; empty when it lists none.
     std::string mountedFileId(const std::string& name) const;
     void onRenameFinished(bool renamed, const std::string& fileId, const QString& fileName);
