@@ -260,7 +260,7 @@ void OsduPageTest::closingThePageDuringASearchDropsItsResults()
 
     // The search goes on without its page; its results must not reach it.
     QTRY_COMPARE_WITH_TIMEOUT(fetches(), static_cast<int>(m_osdu->recordCount()), 30000);
-    QTest::qWait(300); // the last answer on its way back to the worker, and the worker's end
+    QTRY_COMPARE(fast::SearchInput::runningSearches(), 0);
     m_osdu->clearFaults();
 }
 

@@ -11,7 +11,15 @@
 
 #include <QThread>
 
+#include <atomic>
+
 namespace fast {
+
+namespace {
+
+std::atomic<int> searchThreads{0};
+
+} // namespace
 
 SearchInput::SearchInput(QWidget* parent) : QLineEdit(parent)
 {
@@ -47,7 +55,10 @@ void SearchInput::search()
     const std::string filter = text().toStdString();
     // The worker only fills this; the box reads it once the thread has finished.
     auto found = std::make_shared<std::shared_ptr<osdu::StorageRecordCollection>>();
+    ++searchThreads;
     QThread* worker = QThread::create([search = m_search, provider, filter, found] {
+        // Counted down however the search ends.
+        const std::shared_ptr<void> ended(nullptr, [](void*) { --searchThreads; });
         try {
             search->performSearch(provider->getProviderName(), filter,
                                   [found](std::shared_ptr<osdu::StorageRecordCollection> results) {
@@ -64,6 +75,11 @@ void SearchInput::search()
             [this, found] { m_resultsCallback(*found ? *found : std::make_shared<osdu::StorageRecordCollection>()); });
     connect(worker, &QThread::finished, worker, &QObject::deleteLater);
     worker->start(QThread::InheritPriority);
+}
+
+int SearchInput::runningSearches()
+{
+    return searchThreads.load();
 }
 
 } // namespace fast

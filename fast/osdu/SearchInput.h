@@ -32,6 +32,9 @@ public:
     // the page's to say: it runs the page's search, which also clears and disables.
     void initialize();
     void search();
+    // Searches of every box whose threads have not ended yet, closed boxes' included: a host
+    // that unloads the library waits for none to be left.
+    static int runningSearches();
 
 Q_SIGNALS:
     void searchDone(std::shared_ptr<osdu::StorageRecordCollection> results);
