@@ -1,6 +1,7 @@
 // The icons as the program sees them: the PNGs compiled into the libraries and the host's handler.
 
 #include <fast/panel/CheckConnectionToFastWorker.h>
+#include <fast/panel/PanelIcons_p.h>
 #include <korvane/IconXPMHandler.h>
 
 #include <QtTest>
@@ -21,9 +22,23 @@ QVector<QRgb> pixels(const QImage& image)
     return QVector<QRgb>(first, first + static_cast<std::ptrdiff_t>(image.width()) * image.height());
 }
 
-QImage libraryImage(const QString& name)
+QImage libraryImage(const QString& name, const QString& set = "light", const QString& scale = QString())
 {
-    return QImage(":/light/" + name + ".png").convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    return QImage(":/" + set + "/" + name + scale + ".png").convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+QPalette darkPalette()
+{
+    QPalette palette;
+    palette.setColor(QPalette::Base, QColor(0x2b, 0x2b, 0x2b));
+    palette.setColor(QPalette::Text, Qt::white);
+    return palette;
+}
+
+// Whether this run draws at twice the density (ctest runs it also with QT_SCALE_FACTOR=2).
+bool dense()
+{
+    return qApp->devicePixelRatio() > 1.0;
 }
 
 double distance(QRgb p, QRgb q)
@@ -83,13 +98,71 @@ private Q_SLOTS:
         QVERIFY2(meanPixelDistance(ok, ko) > 70, "pixels too close");
     }
 
+    // Every drawing comes at 24 and 48 pixels and in a set for dark rows, from one source: the
+    // 48-pixel one is the same artwork, the dark one the same shapes, lighter.
+    void everyIconComesDenseAndForDarkRows()
+    {
+        for (const QString& name : kLibraryIcons) {
+            for (const QString set : {"light", "dark", "korvane", "korvane-dark"}) {
+                if (name == "bluware24" && set.startsWith("korvane"))
+                    continue;
+                const QImage plain = libraryImage(name, set);
+                const QImage twice = libraryImage(name, set, "@2x");
+                QVERIFY2(plain.size() == QSize(24, 24) && twice.size() == QSize(48, 48), qPrintable(set + name));
+                QCOMPARE(twice.devicePixelRatio(), 2.0);
+                const QImage halved = twice.scaled(24, 24, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                QVERIFY2(meanPixelDistance(halved, plain) < 20, qPrintable(set + name));
+            }
+            const QImage light = libraryImage(name);
+            const QImage dark = libraryImage(name, "dark");
+            QVERIFY2(QColor(meanColour(dark)).lightnessF() > QColor(meanColour(light)).lightnessF() + 0.1,
+                     qPrintable(name));
+            QCOMPARE(pixels(dark).size(), pixels(light).size());
+            for (int i = 0; i < pixels(dark).size(); ++i)
+                QCOMPARE(qAlpha(pixels(dark)[i]), qAlpha(pixels(light)[i]));
+        }
+    }
+
+    void theTreesTakeTheImageForTheirRowsAndDensity()
+    {
+        const QPixmap plain = fast::panelIcon("down_ko", QPalette(Qt::white), 1.0);
+        const QPixmap sharp = fast::panelIcon("down_ko", QPalette(Qt::white), 1.5);
+        const QPixmap dark = fast::panelIcon("down_ko", darkPalette(), 2.0);
+        QVERIFY(fast::isDarkPalette(darkPalette()) && !fast::isDarkPalette(QPalette(Qt::white)));
+        QCOMPARE(plain.size(), QSize(24, 24));
+        QCOMPARE(sharp.size(), QSize(48, 48));
+        QCOMPARE(sharp.devicePixelRatio(), 2.0);
+        QCOMPARE(meanPixelDistance(dark.toImage(), libraryImage("down_ko", "dark", "@2x")), 0.0);
+        QVERIFY(fast::panelIcon("nosuchicon", darkPalette(), 2.0).isNull());
+    }
+
+    void hostIconsFollowThePaletteAndTheDensity()
+    {
+        if (qEnvironmentVariable("QT_SCALE_FACTOR") == "2")
+            QVERIFY(dense());
+        const QString scale = dense() ? "@2x" : "";
+        QPixmap* light = iconHandler->getPixmap("down_ko");
+        QCOMPARE(meanPixelDistance(light->toImage(), libraryImage("down_ko", "korvane", scale)), 0.0);
+        QCOMPARE(light->devicePixelRatio(), dense() ? 2.0 : 1.0);
+
+        const QPalette original = QGuiApplication::palette();
+        QGuiApplication::setPalette(darkPalette());
+        QPixmap* dark = iconHandler->getPixmap("down_ko");
+        QGuiApplication::setPalette(original);
+        QVERIFY(dark != light);
+        QCOMPARE(meanPixelDistance(dark->toImage(), libraryImage("down_ko", "korvane-dark", scale)), 0.0);
+        QCOMPARE(iconHandler->getPixmap("down_ko"), light);
+    }
+
     void hostHandlerKeepsItsIcons()
     {
         QPixmap* first = iconHandler->getPixmap(kHostIcons.first());
         for (const QString& name : kHostIcons) {
             QPixmap* pixmap = iconHandler->getPixmap(name);
             // The library's artwork under the same name, not another icon.
-            QVERIFY2(pixmap && meanPixelDistance(pixmap->toImage(), libraryImage(name)) < 1, qPrintable(name));
+            QVERIFY2(pixmap
+                         && meanPixelDistance(pixmap->toImage(), libraryImage(name, "light", dense() ? "@2x" : "")) < 1,
+                     qPrintable(name));
             QCOMPARE(iconHandler->getPixmap(name), pixmap);
         }
         // Later lookups must not move earlier pixmaps: callers keep the pointers.

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QPixmap>
 
 #include <map>
@@ -50,14 +51,14 @@ struct IconXPMHandler::Private
     Private(const Private&) = delete;
     Private& operator=(const Private&) = delete;
 
-    void load(Entry& entry, const QString& name)
+    void load(Entry& entry, const QString& name, const QString& variant)
     {
         if (!teardownHooked()) {
             qAddPostRoutine(&releaseAll);
             teardownHooked() = true;
         }
         if (isPlainName(name))
-            entry.pixmap.load(QStringLiteral(":/korvane/%1.png").arg(name));
+            entry.pixmap.load(QStringLiteral(":/korvane%1.png").arg(variant.arg(name)));
         entry.loaded = true;
     }
 
@@ -100,9 +101,19 @@ IconXPMHandler::~IconXPMHandler()
 
 QPixmap* IconXPMHandler::getPixmap(const QString& name)
 {
-    Private::Entry& entry = d->entries[name];
-    if (!entry.loaded && qGuiApp)
-        d->load(entry, name);
+    if (!qGuiApp)
+        return &d->entries[name].pixmap;
+    // The set under ":/korvane-dark/" is drawn for dark rows; "@2x" images carry twice the pixels.
+    const QPalette palette = QGuiApplication::palette();
+    const bool dark = palette.color(QPalette::Base).lightnessF() < palette.color(QPalette::Text).lightnessF();
+    const bool dense = qGuiApp->devicePixelRatio() > 1.0;
+    const QString variant = QString(dark ? QStringLiteral("-dark/%1") : QStringLiteral("/%1"))
+                            + (dense ? QStringLiteral("@2x") : QString());
+    // The plain drawing keeps the name as its key: the pointer handed out before the application
+    // existed is the one it loads into.
+    Private::Entry& entry = d->entries[dark || dense ? variant.arg(name) : name];
+    if (!entry.loaded)
+        d->load(entry, name, variant);
     return &entry.pixmap;
 }
 

@@ -17,8 +17,10 @@ public:
     IconXPMHandler(const IconXPMHandler&) = delete;
     IconXPMHandler& operator=(const IconXPMHandler&) = delete;
 
-    // Never returns null. The pixmap belongs to the handler, and a name gives the same pointer
-    // for the handler's whole life, so callers may keep it. An unknown name gives a null pixmap
+    // Never returns null. The pixmap suits the application's palette at the call (a light-on-dark
+    // drawing when its Base is darker than its Text) and its screens' pixel density (twice the
+    // pixels above ratio 1). It belongs to the handler, and a name gives the same pointer for the
+    // handler's whole life while palette and density stay, so callers may keep it. An unknown name gives a null pixmap
     // (isNull()). The pixmaps are let go when the application object is destroyed, leaving the
     // pointers valid but null, and are loaded again on the next call under a new application.
     QPixmap* getPixmap(const QString& name);

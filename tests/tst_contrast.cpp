@@ -1,0 +1,130 @@
+// The trees' action icons as drawn on a light and on a dark palette: hovered (fully opaque), at
+// least half of each icon's drawn pixels must stand 3:1 or more against the row behind them, on
+// plain and on striped rows.
+
+#include "TreeViewFixture.h"
+
+#include <fast/osdu/OsduTreeModel.h>
+#include <fast/trees/FastSortFilterProxyModel.h>
+#include <fast/trees/OsduTreeDelegate.h>
+#include <fast/trees/OsduTreeView.h>
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QStyleFactory>
+#include <QtTest>
+
+#include <cmath>
+
+namespace {
+
+double luminance(QColor colour)
+{
+    const auto linear = [](double channel) {
+        return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+double contrast(QColor a, QColor b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+QPalette darkFusionPalette()
+{
+    QPalette palette;
+    palette.setColor(QPalette::Window, QColor(0x35, 0x35, 0x35));
+    palette.setColor(QPalette::WindowText, Qt::white);
+    palette.setColor(QPalette::Base, QColor(0x2b, 0x2b, 0x2b));
+    palette.setColor(QPalette::AlternateBase, QColor(0x42, 0x42, 0x42));
+    palette.setColor(QPalette::Text, Qt::white);
+    palette.setColor(QPalette::Button, QColor(0x35, 0x35, 0x35));
+    palette.setColor(QPalette::ButtonText, Qt::white);
+    palette.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
+    return palette;
+}
+
+fast::VdsModel dataset(const QString& name, const std::string& vdsId)
+{
+    return fast::VdsModel("r-" + name, name, "kind", "", vdsId, "/d/" + name.toStdString(), {});
+}
+
+// The share of the icon's pixels in cell (those that differ from the row's colour) that stand
+// at least 3:1 against it.
+double shareThatStandsOut(const QImage& shot, const QRect& cell, QColor row)
+{
+    int drawn = 0;
+    int standing = 0;
+    for (int y = cell.top(); y <= cell.bottom(); ++y) {
+        for (int x = cell.left(); x <= cell.right(); ++x) {
+            const QColor pixel = shot.pixelColor(x, y);
+            if (std::abs(pixel.red() - row.red()) + std::abs(pixel.green() - row.green())
+                    + std::abs(pixel.blue() - row.blue())
+                < 12)
+                continue;
+            ++drawn;
+            standing += contrast(pixel, row) >= 3.0 ? 1 : 0;
+        }
+    }
+    return drawn == 0 ? 0.0 : double(standing) / drawn;
+}
+
+} // namespace
+
+class ContrastTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QApplication::setStyle(QStyleFactory::create("Fusion")); }
+    void hoveredIconsStandOutFromTheirRows_data();
+    void hoveredIconsStandOutFromTheirRows();
+};
+
+void ContrastTest::hoveredIconsStandOutFromTheirRows_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::newRow("light palette") << false;
+    QTest::newRow("dark Fusion palette") << true;
+}
+
+void ContrastTest::hoveredIconsStandOutFromTheirRows()
+{
+    QFETCH(bool, dark);
+    const QPalette original = QApplication::palette();
+    QApplication::setPalette(dark ? darkFusionPalette() : QApplication::style()->standardPalette());
+
+    // Known and unknown datasets on plain (even) and striped (odd) rows: every icon of the tree.
+    fast::OsduTreeView view;
+    view.setItemDelegate(new fast::OsduTreeDelegate(view.proxyModel(), &view));
+    for (const auto& [name, id] : {std::pair{"a", "v1"}, {"b", "v2"}, {"c", ""}, {"d", ""}})
+        view.model()->addVds(dataset(name, id));
+    view.setConnectedToFast(true);
+    view.refresh();
+    showExpanded(view);
+    view.collapseAll();
+
+    const QList<std::tuple<int, int, QString>> icons = {
+        {0, 2, "known, plain row"},     {1, 2, "known, striped row"}, {0, 3, "unmount, plain row"},
+        {1, 3, "unmount, striped row"}, {2, 2, "mount, plain row"},   {3, 2, "mount, striped row"},
+    };
+    for (const auto& [row, column, what] : icons) {
+        const QModelIndex cell = cellAt(view, {row}, column);
+        // Straight to the viewport: a real pointer resting there would bring up the cell's tool tip.
+        QMouseEvent move(QEvent::MouseMove, centreOf(view, cell), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(view.viewport(), &move);
+        QCOMPARE(qobject_cast<fast::FastTreeDelegate*>(view.itemDelegate())->hoveredIndex(), cell);
+        const QImage shot = view.viewport()->grab().toImage();
+        const QColor background = QApplication::palette().color(row % 2 ? QPalette::AlternateBase : QPalette::Base);
+        const double share = shareThatStandsOut(shot, view.visualRect(cell), background);
+        QVERIFY2(share >= 0.5,
+                 qPrintable(QString("%1: %2 % of the pixels at 3:1").arg(what).arg(share * 100, 0, 'f', 0)));
+    }
+    QApplication::setPalette(original);
+}
+
+QTEST_MAIN(ContrastTest)
+#include "tst_contrast.moc"
