@@ -5,6 +5,7 @@
 #include "PanelDriver.h"
 
 #include <fast/client/Fast.h>
+#include <fast/osdu/SearchInput.h>
 #include <fast/panel/ControlNames.h>
 #include <fast/panel/FastTabWidget.h>
 #include <fast/panel/OsduWidget.h>
@@ -18,7 +19,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
+#include <QToolButton>
 #include <QtTest>
 
 namespace {
@@ -118,6 +121,20 @@ void PanelTest::tabsAndIcons()
     QVERIFY(tabs->tabIcon(2).isNull());
     panel.setTabIcons({red, red, red, red});
     QVERIFY(!tabs->tabIcon(2).isNull());
+
+    // At its size hint the three tabs show whole, without scroll arrows, and the search box its
+    // placeholder.
+    panel.resize(panel.sizeHint());
+    panel.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&panel));
+    QTabBar* bar = tabs->tabBar();
+    QVERIFY2(bar->tabRect(2).right() < bar->width(), qPrintable(QString::number(bar->width())));
+    for (const QToolButton* arrow : bar->findChildren<QToolButton*>())
+        QVERIFY(!arrow->isVisible());
+    tabs->setCurrentIndex(0);
+    const fast::SearchInput* search = searchInput(*osduPage(panel));
+    QTRY_VERIFY(search->isVisible());
+    QVERIFY(search->width() >= search->fontMetrics().horizontalAdvance(search->placeholderText()) + 4);
 }
 
 void PanelTest::controlsAreFoundByTheirNames()

@@ -9,6 +9,8 @@
 #include <osdu/OsduHttpClient.h>
 #include <osdu/Settings.h>
 
+#include <QStyle>
+#include <QStyleOptionFrame>
 #include <QThread>
 
 #include <atomic>
@@ -75,6 +77,24 @@ void SearchInput::search()
             [this, found] { m_resultsCallback(*found ? *found : std::make_shared<osdu::StorageRecordCollection>()); });
     connect(worker, &QThread::finished, worker, &QObject::deleteLater);
     worker->start(QThread::InheritPriority);
+}
+
+QSize SearchInput::sizeHint() const
+{
+    QSize hint = QLineEdit::sizeHint();
+    // The line edit's own hint holds about 17 characters. Around the text come, as QLineEdit lays
+    // them out, its 2-pixel inner margin on each side, the text and contents margins, and the
+    // style's frame.
+    constexpr int kInnerMargins = 2 * 2;
+    QStyleOptionFrame option;
+    initStyleOption(&option);
+    const QMargins text = textMargins();
+    const QMargins contents = contentsMargins();
+    const int width = fontMetrics().horizontalAdvance(placeholderText()) + kInnerMargins + text.left() + text.right()
+                      + contents.left() + contents.right();
+    const QSize wanted = style()->sizeFromContents(QStyle::CT_LineEdit, &option, QSize(width, hint.height()), this);
+    hint.setWidth(std::max(hint.width(), wanted.width()));
+    return hint;
 }
 
 int SearchInput::runningSearches()

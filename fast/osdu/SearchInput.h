@@ -32,6 +32,8 @@ public:
     // the page's to say: it runs the page's search, which also clears and disables.
     void initialize();
     void search();
+    // Room for the whole placeholder, which tells the user what the box does.
+    QSize sizeHint() const override;
     // Searches of every box whose threads have not ended yet, closed boxes' included: a host
     // that unloads the library waits for none to be left.
     static int runningSearches();

@@ -14,6 +14,8 @@
 #include <QFileSystemWatcher>
 #include <QGridLayout>
 #include <QLabel>
+#include <QStyle>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QThread>
 
@@ -110,6 +112,17 @@ void FastTabWidget::setTabIcons(const QList<QPixmap>& icons) const
 {
     for (int i = 0; i < icons.size(); ++i)
         m_tabWidget->setTabIcon(i, QIcon(icons[i]));
+}
+
+QSize FastTabWidget::sizeHint() const
+{
+    QSize hint = QWidget::sizeHint();
+    // A tab widget that may scroll its tabs asks for at most 200 pixels of them.
+    const QMargins margins = layout()->contentsMargins();
+    const int frame = 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, m_tabWidget);
+    const int tabs = m_tabWidget->tabBar()->sizeHint().width() + frame + margins.left() + margins.right();
+    hint.setWidth(std::max(hint.width(), tabs));
+    return hint;
 }
 
 void FastTabWidget::closeEvent(QCloseEvent* event)

@@ -34,6 +34,10 @@ public:
     // In tab order: OSDU, local, cloud.
     void setTabIcons(const QList<QPixmap>& icons) const;
 
+    // Wide enough for the three tabs side by side, without scroll arrows, and for what the pages
+    // ask for (the OSDU page's search box shows its placeholder whole).
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     void updateProjectBrowser();
     // Declared for the host; the library never sends it.
