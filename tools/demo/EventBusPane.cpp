@@ -13,12 +13,52 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
 
 enum Column { TimeColumn, KindColumn, MessageColumn };
 
 // Enough for a long session of five-second polls without the pane growing without bound.
 constexpr int kMaxMessages = 5000;
+// Text must stand 4.5:1 against its row to be read with ease.
+constexpr double kReadableContrast = 4.5;
+
+double luminance(const QColor& colour)
+{
+    const auto linear = [](double channel) {
+        return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+// The colour of trace rows: the text colour moved as far towards the rows' colour as it can go
+// while it still reads at 4.5:1 on plain and on striped rows, so that traces recede behind
+// errors and information without fading out (the palette's disabled text does, about 1.8:1).
+QColor quietTextColour(const QPalette& palette)
+{
+    const QColor text = palette.color(QPalette::Text);
+    const QColor base = palette.color(QPalette::Base);
+    const QColor stripe = palette.color(QPalette::AlternateBase);
+    QColor quiet = text;
+    for (double towardsRow = 0.05; towardsRow < 0.6; towardsRow += 0.05) {
+        const QColor candidate = QColor::fromRgbF(text.redF() + (base.redF() - text.redF()) * towardsRow,
+                                                  text.greenF() + (base.greenF() - text.greenF()) * towardsRow,
+                                                  text.blueF() + (base.blueF() - text.blueF()) * towardsRow);
+        if (contrast(candidate, base) < kReadableContrast || contrast(candidate, stripe) < kReadableContrast)
+            break;
+        quiet = candidate;
+    }
+    return quiet;
+}
 
 QString kindName(int kind)
 {
@@ -100,7 +140,7 @@ void EventBusPane::append(int kind, const QString& text)
         item->setIcon(KindColumn, style()->standardIcon(QStyle::SP_FileDialogDetailedView));
         // Traces are the bulk of the traffic: they recede so that the rest stands out.
         for (int column = 0; column < m_messages->columnCount(); ++column)
-            item->setForeground(column, palette().brush(QPalette::Disabled, QPalette::Text));
+            item->setForeground(column, quietTextColour(m_messages->palette()));
         break;
     default:
         item->setIcon(KindColumn, style()->standardIcon(QStyle::SP_MessageBoxQuestion));
