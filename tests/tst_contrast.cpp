@@ -2,6 +2,7 @@
 // least half of each icon's drawn pixels must stand 3:1 or more against the row behind them, on
 // plain and on striped rows.
 
+#include "DarkPalette.h"
 #include "TreeViewFixture.h"
 
 #include <fast/osdu/OsduTreeModel.h>
@@ -31,20 +32,6 @@ double contrast(QColor a, QColor b)
     const double la = luminance(a);
     const double lb = luminance(b);
     return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
-}
-
-QPalette darkFusionPalette()
-{
-    QPalette palette;
-    palette.setColor(QPalette::Window, QColor(0x35, 0x35, 0x35));
-    palette.setColor(QPalette::WindowText, Qt::white);
-    palette.setColor(QPalette::Base, QColor(0x2b, 0x2b, 0x2b));
-    palette.setColor(QPalette::AlternateBase, QColor(0x42, 0x42, 0x42));
-    palette.setColor(QPalette::Text, Qt::white);
-    palette.setColor(QPalette::Button, QColor(0x35, 0x35, 0x35));
-    palette.setColor(QPalette::ButtonText, Qt::white);
-    palette.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
-    return palette;
 }
 
 fast::VdsModel dataset(const QString& name, const std::string& vdsId)

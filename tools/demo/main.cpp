@@ -4,6 +4,7 @@
 // points its settings at them. With --screenshot or --tour it drives the panel by itself and
 // takes pictures, headless when there is no display.
 
+#include "DarkPalette.h"
 #include "DemoServices.h"
 #include "DemoWindow.h"
 #include "ScriptedTour.h"
@@ -11,6 +12,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -29,6 +31,7 @@ bool haveDisplay()
 
 struct DemoOptions
 {
+    bool dark = false;
     QString projectFolder;
     QString emulatorsFolder;
     TourOptions tour;
@@ -69,7 +72,8 @@ std::optional<int> readCommandLine(DemoOptions& options, bool headless)
         "Run the FAST and OSDU emulators in this process, with their virtual drive, sample volumes and the demo's "
         "settings (pointing at them) under DIR. --screenshot and --tour then mount one of the samples.",
         "DIR");
-    parser.addOptions({projectOption, screenshotOption, tourOption, mountOption, emulatorsOption});
+    const QCommandLineOption darkOption("dark", "Show everything in the Fusion style on a dark palette.");
+    parser.addOptions({projectOption, screenshotOption, tourOption, mountOption, emulatorsOption, darkOption});
     if (!parser.parse(QCoreApplication::arguments()))
         return usageError(parser, parser.errorText());
     if (parser.isSet("help")) {
@@ -79,6 +83,7 @@ std::optional<int> readCommandLine(DemoOptions& options, bool headless)
     if (!parser.positionalArguments().isEmpty())
         return usageError(parser, QStringLiteral("unexpected argument %1").arg(parser.positionalArguments().first()));
 
+    options.dark = parser.isSet(darkOption);
     options.projectFolder = parser.value(projectOption);
     options.emulatorsFolder = parser.value(emulatorsOption);
     options.tour = TourOptions{parser.value(screenshotOption), parser.value(tourOption), parser.value(mountOption)};
@@ -121,6 +126,11 @@ int main(int argc, char** argv)
     DemoOptions options;
     if (const std::optional<int> exitCode = readCommandLine(options, headless))
         return *exitCode;
+
+    if (options.dark) {
+        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+        QApplication::setPalette(darkFusionPalette());
+    }
 
     std::unique_ptr<DemoServices> services;
     if (!options.emulatorsFolder.isEmpty()) {

@@ -95,7 +95,7 @@ int main(int argc, char** argv)
     grid->addWidget(captioned("VDS tree, connected", makeTree<fast::VdsTreeView, fast::VdsTreeDelegate>(true, &window),
                               &window),
                     2, 0);
-    grid->addWidget(captioned("VDS tree, disconnected",
+    grid->addWidget(captioned("VDS tree, disconnected: empty until FAST answers",
                               makeTree<fast::VdsTreeView, fast::VdsTreeDelegate>(false, &window), &window),
                     2, 1);
     auto* osdu = makeTree<fast::OsduTreeView, fast::OsduTreeDelegate>(true, &window);
