@@ -18,11 +18,6 @@
 
 namespace fast {
 
-const std::string FAST_GROUP = "FAST";
-const std::string FAST_HOST = "FAST_HOST";
-const std::string FAST_PORT = "FAST_PORT";
-const std::string FAST_MOUNT_POINT = "FAST_MOUNT_POINT";
-
 namespace {
 
 // Call-site numbers carried by the request and trace lines; the host's log readers rely on them.
