@@ -2,6 +2,7 @@
 // least half of each icon's drawn pixels must stand 3:1 or more against the row behind them, on
 // plain and on striped rows.
 
+#include "ContrastRatio.h"
 #include "DarkPalette.h"
 #include "TreeViewFixture.h"
 
@@ -15,24 +16,9 @@
 #include <QStyleFactory>
 #include <QtTest>
 
-#include <cmath>
+#include <cstdlib>
 
 namespace {
-
-double luminance(QColor colour)
-{
-    const auto linear = [](double channel) {
-        return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
-}
-
-double contrast(QColor a, QColor b)
-{
-    const double la = luminance(a);
-    const double lb = luminance(b);
-    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
-}
 
 fast::VdsModel dataset(const QString& name, const std::string& vdsId)
 {
@@ -41,7 +27,7 @@ fast::VdsModel dataset(const QString& name, const std::string& vdsId)
 
 // The share of the icon's pixels in cell (those that differ from the row's colour) that stand
 // at least 3:1 against it.
-double shareThatStandsOut(const QImage& shot, const QRect& cell, QColor row)
+double shareThatStandsOut(const QImage& shot, const QRect& cell, const QColor& row)
 {
     int drawn = 0;
     int standing = 0;
@@ -53,7 +39,7 @@ double shareThatStandsOut(const QImage& shot, const QRect& cell, QColor row)
                 < 12)
                 continue;
             ++drawn;
-            standing += contrast(pixel, row) >= 3.0 ? 1 : 0;
+            standing += contrastRatio(pixel, row) >= 3.0 ? 1 : 0;
         }
     }
     return drawn == 0 ? 0.0 : double(standing) / drawn;

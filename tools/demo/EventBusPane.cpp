@@ -1,5 +1,7 @@
 #include "EventBusPane.h"
 
+#include "ContrastRatio.h"
+
 #include <korvane/MDEventBus.h>
 
 #include <QCheckBox>
@@ -13,9 +15,6 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include <algorithm>
-#include <cmath>
-
 namespace {
 
 enum Column { TimeColumn, KindColumn, MessageColumn };
@@ -25,35 +24,20 @@ constexpr int kMaxMessages = 5000;
 // Text must stand 4.5:1 against its row to be read with ease.
 constexpr double kReadableContrast = 4.5;
 
-double luminance(const QColor& colour)
-{
-    const auto linear = [](double channel) {
-        return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b)
-{
-    const double la = luminance(a);
-    const double lb = luminance(b);
-    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
-}
-
 // The colour of trace rows: the text colour moved as far towards the rows' colour as it can go
 // while it still reads at 4.5:1 on plain and on striped rows, so that traces recede behind
 // errors and information without fading out (the palette's disabled text does, about 1.8:1).
 QColor quietTextColour(const QPalette& palette)
 {
-    const QColor text = palette.color(QPalette::Text);
-    const QColor base = palette.color(QPalette::Base);
-    const QColor stripe = palette.color(QPalette::AlternateBase);
+    const QColor& text = palette.color(QPalette::Text);
+    const QColor& base = palette.color(QPalette::Base);
+    const QColor& stripe = palette.color(QPalette::AlternateBase);
     QColor quiet = text;
     for (double towardsRow = 0.05; towardsRow < 0.6; towardsRow += 0.05) {
         const QColor candidate = QColor::fromRgbF(text.redF() + (base.redF() - text.redF()) * towardsRow,
                                                   text.greenF() + (base.greenF() - text.greenF()) * towardsRow,
                                                   text.blueF() + (base.blueF() - text.blueF()) * towardsRow);
-        if (contrast(candidate, base) < kReadableContrast || contrast(candidate, stripe) < kReadableContrast)
+        if (contrastRatio(candidate, base) < kReadableContrast || contrastRatio(candidate, stripe) < kReadableContrast)
             break;
         quiet = candidate;
     }
