@@ -31,8 +31,9 @@ function(fastpanel_shared_library target)
   target_include_directories(${target} PUBLIC
     "$<BUILD_INTERFACE:${ARG_ROOT}>"
     "$<BUILD_INTERFACE:${FASTPANEL_GENERATED_INCLUDE_DIR}>"
-    "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
+    "$<INSTALL_INTERFACE:${FASTPANEL_INSTALL_INCLUDEDIR}>")
   set_target_properties(${target} PROPERTIES
+    OUTPUT_NAME "${target}${FASTPANEL_NAME_SUFFIX}"
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
   if(ARG_EXPORT_NAME)
@@ -44,16 +45,17 @@ function(fastpanel_shared_library target)
   endif()
   fastpanel_warnings(${target})
   install(TARGETS ${target} EXPORT FastPanelTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
   foreach(header IN LISTS ARG_PUBLIC_HEADERS)
     if(header MATCHES "_p\\.h$")
       message(FATAL_ERROR "${target}: ${header} is private (_p.h) and cannot be installed")
     endif()
     get_filename_component(folder "${ARG_PREFIX}/${header}" DIRECTORY)
-    install(FILES "${ARG_ROOT}/${ARG_PREFIX}/${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}")
+    install(FILES "${ARG_ROOT}/${ARG_PREFIX}/${header}" DESTINATION "${FASTPANEL_INSTALL_INCLUDEDIR}/${folder}"
+      COMPONENT development)
   endforeach()
   install(FILES "${FASTPANEL_GENERATED_INCLUDE_DIR}/${ARG_PREFIX}/${target}_export.h"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${ARG_PREFIX}")
+    DESTINATION "${FASTPANEL_INSTALL_INCLUDEDIR}/${ARG_PREFIX}" COMPONENT development)
 endfunction()

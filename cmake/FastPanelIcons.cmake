@@ -59,13 +59,13 @@ function(fastpanel_add_icons target)
     string(APPEND resources "<qresource prefix=\"/${prefix}\">\n${entries}</qresource>\n")
   endforeach()
 
-  # Written at configure time so qt5_add_resources can read the list of PNGs it depends on;
+  # Written at configure time so qt_add_resources can read the list of PNGs it depends on;
   # file(CONFIGURE) leaves the file untouched when nothing changed, so rcc does not rerun.
   file(CONFIGURE OUTPUT "${qrc}" CONTENT
 "<!DOCTYPE RCC>
 <RCC version=\"1.0\">
 ${resources}</RCC>
 ")
-  qt5_add_resources(rcc_sources "${qrc}")
+  qt_add_resources(rcc_sources "${qrc}")
   target_sources(${target} PRIVATE ${rcc_sources})
 endfunction()

@@ -1,4 +1,5 @@
-# Installs the build into a fresh prefix, then configures, builds and runs the consumer.
+# Installs the build into a fresh prefix (with DEBIAN_PACKAGES: makes the build's Debian
+# packages and unpacks them into a scratch root), then configures, builds and runs the consumer.
 file(REMOVE_RECURSE "${WORK_DIR}")
 
 function(run)
@@ -9,7 +10,23 @@ function(run)
   endif()
 endfunction()
 
-run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
+if(DEBIAN_PACKAGES)
+  # cpack sits beside cmake; each package is unpacked as dpkg would lay it out.
+  get_filename_component(cmake_bin "${CMAKE_COMMAND}" DIRECTORY)
+  run("${cmake_bin}/cpack" -G DEB --config "${BUILD_DIR}/CPackConfig.cmake" -B "${WORK_DIR}/debs")
+  file(GLOB debs "${WORK_DIR}/debs/*.deb")
+  foreach(expected IN ITEMS "${PACKAGE_FILE_PREFIX}_" "${PACKAGE_FILE_PREFIX}-dev_" "fastpanel-emulators_")
+    if(NOT debs MATCHES "/${expected}[^/]*\\.deb")
+      message(FATAL_ERROR "no package ${expected}*.deb among: ${debs}")
+    endif()
+  endforeach()
+  foreach(deb IN LISTS debs)
+    run(dpkg-deb -x "${deb}" "${WORK_DIR}/root")
+  endforeach()
+  file(RENAME "${WORK_DIR}/root/usr" "${WORK_DIR}/prefix")
+else()
+  run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
+endif()
 
 # Only public headers are installed, and each of them compiles with the installed ones alone:
 # the consumer builds one source that includes every installed header.
@@ -31,6 +48,15 @@ file(READ "${GUIDE}" guide)
 # Semicolons would split CMake's lists: they travel as a placeholder.
 string(REPLACE ";" "@SEMICOLON@" guide "${guide}")
 string(REGEX MATCHALL "```cpp\n[^`]*```" blocks "${guide}")
+# The host's test with the emulator is a program of its own, in a block marked "cpp host-test".
+string(REGEX MATCH "```cpp host-test\n[^`]*```" host_test "${guide}")
+if(NOT host_test)
+  message(FATAL_ERROR "the guide ${GUIDE} holds no host-test block")
+endif()
+string(REGEX REPLACE "^```cpp host-test\n" "" host_test "${host_test}")
+string(REGEX REPLACE "```$" "" host_test "${host_test}")
+string(REPLACE "@SEMICOLON@" ";" host_test "${host_test}")
+file(WRITE "${WORK_DIR}/host_test.cpp" "${host_test}")
 list(LENGTH blocks block_count)
 if(block_count LESS 5)
   message(FATAL_ERROR "the guide ${GUIDE} holds ${block_count} C++ blocks, expected its host's")
@@ -50,7 +76,10 @@ if(SANITIZE)
 endif()
 run(${CMAKE_COMMAND} -S "${CONSUMER_DIR}" -B "${WORK_DIR}/build" -G "${GENERATOR}"
     "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix" "-DEVERY_HEADER_SOURCE=${WORK_DIR}/every_header.cpp"
-    "-DGUIDE_SOURCE=${WORK_DIR}/guide_snippets.cpp"
+    "-DGUIDE_SOURCE=${WORK_DIR}/guide_snippets.cpp" "-DHOST_TEST_SOURCE=${WORK_DIR}/host_test.cpp"
+    "-DPACKAGE=${PACKAGE}"
     ${consumer_flags})
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 run("${WORK_DIR}/build/consumer")
+# The host's test starts the installed FAST emulator, as the guide shows.
+run("${WORK_DIR}/build/host_test")

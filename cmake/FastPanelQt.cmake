@@ -1,0 +1,31 @@
+# The Qt the tree builds against, chosen by FASTPANEL_QT_MAJOR_VERSION, and the names that let a
+# Qt 6 build install beside a Qt 5 one (as Qt 6 builds of KDE Frameworks and of other Qt
+# libraries do): the Qt 5 build keeps the names hosts use today; the Qt 6 build's package,
+# libraries, headers and data folder carry "Qt6" / "-qt6". The tree links Qt's versionless
+# targets (Qt::Core, ...), which Qt 5.15 and Qt 6 both provide.
+
+if(FASTPANEL_QT_MAJOR_VERSION STREQUAL "5")
+  set(FASTPANEL_QT_MINIMUM_VERSION 5.15)
+  set(FASTPANEL_PACKAGE_NAME FastPanel)
+  set(FASTPANEL_NAME_SUFFIX "")
+elseif(FASTPANEL_QT_MAJOR_VERSION STREQUAL "6")
+  set(FASTPANEL_QT_MINIMUM_VERSION 6.2)
+  set(FASTPANEL_PACKAGE_NAME FastPanelQt6)
+  set(FASTPANEL_NAME_SUFFIX "-qt6")
+else()
+  message(FATAL_ERROR "FASTPANEL_QT_MAJOR_VERSION is 5 or 6, not '${FASTPANEL_QT_MAJOR_VERSION}'")
+endif()
+
+find_package(Qt${FASTPANEL_QT_MAJOR_VERSION} ${FASTPANEL_QT_MINIMUM_VERSION} REQUIRED
+  COMPONENTS Core Gui Widgets Network Svg Test)
+
+# Where the package's headers and data go: the Qt 5 build's at the top of the prefix, as before;
+# the Qt 6 build's in a folder of its own, so that both can be installed into one prefix.
+set(package_folder "fastpanel${FASTPANEL_NAME_SUFFIX}")
+if(FASTPANEL_QT_MAJOR_VERSION STREQUAL "5")
+  set(FASTPANEL_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
+else()
+  set(FASTPANEL_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/${FASTPANEL_PACKAGE_NAME}")
+endif()
+set(FASTPANEL_INSTALL_DATADIR "${CMAKE_INSTALL_DATADIR}/${package_folder}")
+set(FASTPANEL_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/${FASTPANEL_PACKAGE_NAME}")
