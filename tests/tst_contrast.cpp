@@ -87,7 +87,9 @@ void ContrastTest::hoveredIconsStandOutFromTheirRows()
     for (const auto& [row, column, what] : icons) {
         const QModelIndex cell = cellAt(view, {row}, column);
         // Straight to the viewport: a real pointer resting there would bring up the cell's tool tip.
-        QMouseEvent move(QEvent::MouseMove, centreOf(view, cell), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        const QPoint at = centreOf(view, cell);
+        QMouseEvent move(QEvent::MouseMove, at, view.viewport()->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
+                         Qt::NoModifier);
         QApplication::sendEvent(view.viewport(), &move);
         QCOMPARE(qobject_cast<fast::FastTreeDelegate*>(view.itemDelegate())->hoveredIndex(), cell);
         const QImage shot = view.viewport()->grab().toImage();

@@ -158,7 +158,7 @@ private Q_SLOTS:
         QSignalSpy upper(&slider, &DoubleSlider::upperValueChanged);
         (slider.*call)(argument);
         const Ints range{slider.minimum(), slider.maximum(), slider.lowerValue(), slider.upperValue()};
-        QTEST((range + Ints{lower.count(), upper.count()}), "after");
+        QTEST((range + Ints{int(lower.count()), int(upper.count())}), "after");
         QVERIFY(lower.isEmpty() || lower.last().first().toInt() == slider.lowerValue());
         QVERIFY(upper.isEmpty() || upper.last().first().toInt() == slider.upperValue());
     }

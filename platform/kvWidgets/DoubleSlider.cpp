@@ -233,7 +233,7 @@ void DoubleSlider::keyPressEvent(QKeyEvent* event)
         QWidget::keyPressEvent(event);
         return;
     }
-    setValue(m_focusHandle, int(qBound<qint64>(m_minimum, target, m_maximum)));
+    setValue(m_focusHandle, int(qBound(qint64(m_minimum), target, qint64(m_maximum))));
 }
 
 void DoubleSlider::leaveEvent(QEvent* event)

@@ -30,12 +30,12 @@ endif()
 
 # Only public headers are installed, and each of them compiles with the installed ones alone:
 # the consumer builds one source that includes every installed header.
-file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/include" "${WORK_DIR}/prefix/include/*.h")
+file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/${INCLUDE_DIR}" "${WORK_DIR}/prefix/${INCLUDE_DIR}/*.h")
 list(FILTER installed INCLUDE REGEX "_p\\.h$")
 if(installed)
   message(FATAL_ERROR "private headers installed: ${installed}")
 endif()
-file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/include" "${WORK_DIR}/prefix/include/*.h")
+file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/${INCLUDE_DIR}" "${WORK_DIR}/prefix/${INCLUDE_DIR}/*.h")
 set(every_header "// Written by the package test: every installed header, each included once.\n")
 foreach(header IN LISTS installed)
   string(APPEND every_header "#include <${header}>\n")

@@ -60,7 +60,7 @@ void DemoWindow::reopenPanel()
 void DemoWindow::createMenus()
 {
     QMenu* file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&Quit"), this, &DemoWindow::close, QKeySequence::Quit);
+    file->addAction(tr("&Quit"), this, &DemoWindow::close)->setShortcut(QKeySequence::Quit);
 
     QMenu* fastMenu = menuBar()->addMenu(tr("F&AST"));
     fastMenu->addAction(tr("&Settings..."), this, &DemoWindow::editSettings);
