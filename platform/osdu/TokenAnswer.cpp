@@ -4,9 +4,16 @@
 #include <QJsonObject>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace osdu {
 
 namespace {
+
+// No lifetime is taken for longer than a year: a token is renewed on its first refusal anyway,
+// and a lifetime of millions of years (seen from a broken server) lies beyond the dates that
+// QDateTime can hold, which would leave the expiry invalid.
+constexpr qint64 kLongestLifetimeSeconds = 365LL * 24 * 60 * 60;
 
 // Servers are not agreed on whether the lifetimes are JSON numbers or strings.
 qint64 seconds(const QJsonObject& answer, const char* field, qint64 fallback)
@@ -14,7 +21,7 @@ qint64 seconds(const QJsonObject& answer, const char* field, qint64 fallback)
     const QJsonValue value = answer.value(QLatin1String(field));
     bool ok = false;
     const qint64 parsed = value.toVariant().toLongLong(&ok);
-    return ok && parsed > 0 ? parsed : fallback;
+    return ok && parsed > 0 ? std::min(parsed, kLongestLifetimeSeconds) : fallback;
 }
 
 QString serverWords(const QJsonObject& answer, int status)
