@@ -11,6 +11,12 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
 
+# The compiled translations lie where the host integration guide says; the pseudo-locale is
+# always among them.
+if(NOT EXISTS "${WORK_DIR}/prefix/share/fastpanel/translations/fastpanel_en_XA.qm")
+  message(FATAL_ERROR "no share/fastpanel/translations/fastpanel_en_XA.qm in the installed package")
+endif()
+
 # Only public headers are installed, and each of them compiles with the installed ones alone:
 # the consumer builds one source that includes every installed header.
 file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/include" "${WORK_DIR}/prefix/include/*.h")
