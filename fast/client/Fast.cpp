@@ -11,6 +11,7 @@
 #include <Poco/JSON/JSONException.h>
 #include <Poco/JSON/Object.h>
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <sstream>
@@ -133,10 +134,11 @@ std::optional<std::string> Fast::getVersion() const
 {
     const auto about = getAbout();
     if (about->getResponse() != 200) {
-        MDEventBus::sendMessage(MDEventBus::Error,
-                                QString("Unable to get FAST status: HTTP request failed with status=%1")
-                                    .arg(about->getResponse()),
-                                false);
+        MDEventBus::sendMessage(
+            MDEventBus::Error,
+            QCoreApplication::translate("fast::Fast", "Unable to get FAST status: HTTP request failed with status=%1")
+                .arg(about->getResponse()),
+            false);
         return std::nullopt;
     }
     try {
@@ -144,7 +146,9 @@ std::optional<std::string> Fast::getVersion() const
     } catch (const Poco::JSON::JSONException& exception) {
         trace(QString("FAST version JSONException %1").arg(VersionJsonSite));
         MDEventBus::sendMessage(MDEventBus::Error,
-                                QString("Unable to parse JSON to get FAST version: %1").arg(text(exception.message())),
+                                QCoreApplication::translate("fast::Fast",
+                                                            "Unable to parse JSON to get FAST version: %1")
+                                    .arg(text(exception.message())),
                                 false);
         return std::nullopt;
     }
@@ -237,9 +241,11 @@ SubvolumeRange Fast::getPluginDescription(const std::string& pluginName, const s
     const auto response = tracedCall(Method::Get, m_baseUrl + kApi + "plugin/" + pluginName + "?vdsId=" + vdsId,
                                      PluginDescriptionCall);
     if (response->getResponse() != 200) {
-        throw std::runtime_error(QString("HTTP request failed with status=%1, message=%2")
-                                     .arg(QString::number(response->getResponse()), text(response->getMessage()))
-                                     .toStdString());
+        // Its text ends up in what the page tells the user.
+        throw std::runtime_error(
+            QCoreApplication::translate("fast::Fast", "HTTP request failed with status=%1, message=%2")
+                .arg(QString::number(response->getResponse()), text(response->getMessage()))
+                .toStdString());
     }
     return parseSubvolumeRange(response->getMessage());
 }

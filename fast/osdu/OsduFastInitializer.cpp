@@ -119,7 +119,7 @@ OsduFastInitializer::OsduFastInitializer(eCloudProvider provider)
                 [this, group] { storeRefreshToken(group); });
     } else {
         m_initialized = false;
-        m_lastError = "Please specify all required initialization parameters in Korvane settings.";
+        m_lastError = tr("Please specify all required initialization parameters in Korvane settings.").toStdString();
     }
 }
 
@@ -159,8 +159,8 @@ void OsduFastInitializer::storeRefreshToken(const std::string& settingsGroup)
     const QString token = m_authProvider->refreshToken();
     if (token.isEmpty()) {
         if (!m_toldNoRefreshToken)
-            information("The OSDU™ Data Platform gave no refresh token: the next run will need the web browser to "
-                        "sign in again.");
+            information(tr("The OSDU™ Data Platform gave no refresh token: the next run will need the web browser to "
+                           "sign in again."));
         m_toldNoRefreshToken = true;
         return;
     }
@@ -180,9 +180,9 @@ std::string getCloudProviderDisplayName(OsduFastInitializer::eCloudProvider prov
 {
     switch (provider) {
     case OsduFastInitializer::AWS:
-        return "Amazon Web Services";
+        return OsduFastInitializer::tr("Amazon Web Services").toStdString();
     case OsduFastInitializer::Azure:
-        return "Microsoft Azure";
+        return OsduFastInitializer::tr("Microsoft Azure").toStdString();
     }
     return {};
 }

@@ -34,6 +34,7 @@ public:
     static std::shared_ptr<OsduFastInitializer> currentInstance();
 
     bool isInitialized() const { return m_initialized; }
+    // Why it is not initialised, for the user: translated, in UTF-8.
     const std::string& lastError() const { return m_lastError; }
     std::shared_ptr<osdu::OsduAuthProvider> authProvider() const { return m_authProvider; }
 
@@ -71,7 +72,7 @@ private:
     bool m_toldNoRefreshToken = false;
 };
 
-// "Amazon Web Services", "Microsoft Azure", or empty for any other value.
+// "Amazon Web Services", "Microsoft Azure" (translated, in UTF-8), or empty for any other value.
 FASTPANEL_EXPORT std::string getCloudProviderDisplayName(OsduFastInitializer::eCloudProvider provider);
 
 } // namespace fast

@@ -7,7 +7,7 @@ namespace fast {
 
 OsduTreeModel::OsduTreeModel(QObject* parent) : FastTreeModel(parent)
 {
-    setHorizontalHeaderLabels({"Name", "Data", "", ""});
+    setHorizontalHeaderLabels({tr("Name"), tr("Data"), "", ""});
 }
 
 void OsduTreeModel::clearRows()
@@ -18,6 +18,10 @@ void OsduTreeModel::clearRows()
 void OsduTreeModel::populate()
 {
     clearRows();
+    // The labels are looked up once, not per dataset.
+    const QString filesLabel = filesRowText();
+    const QString idLabel = tr("Id");
+    const QString kindLabel = tr("Kind");
     for (int i = 0; i < m_vdsList.size(); ++i) {
         const VdsModel& dataset = m_vdsList.at(i);
         QList<QStandardItem*> top = makeRow({dataset.name, dataset.description}, i);
@@ -25,7 +29,7 @@ void OsduTreeModel::populate()
         // Unmounting is for datasets FAST knows; the icon shows only then.
         static_cast<OsduTreeItem*>(top[3])->setAction(dataset.vdsId.empty() ? QString() : unmountText(dataset.name));
 
-        const QList<QStandardItem*> filesRow = makeRow({"Files"}, i);
+        const QList<QStandardItem*> filesRow = makeRow({filesLabel}, i);
         appendChild(top.first(), filesRow);
         for (int k = 0; k < static_cast<int>(dataset.files.size()); ++k) {
             const VdsFile& file = dataset.files[static_cast<std::size_t>(k)];
@@ -37,8 +41,8 @@ void OsduTreeModel::populate()
             fileRow[3]->setData(-1, FileIndexRole);
             appendChild(filesRow.first(), fileRow);
         }
-        appendChild(top.first(), makeRow({"Id", dataset.recordId}, i));
-        appendChild(top.first(), makeRow({"Kind", dataset.kind}, i));
+        appendChild(top.first(), makeRow({idLabel, dataset.recordId}, i));
+        appendChild(top.first(), makeRow({kindLabel, dataset.kind}, i));
         // Added whole: one insertion for the views instead of one per row.
         appendRow(top);
     }

@@ -25,7 +25,7 @@ std::atomic<int> searchThreads{0};
 
 SearchInput::SearchInput(QWidget* parent) : QLineEdit(parent)
 {
-    setPlaceholderText("Press search button to retrieve all available files...");
+    setPlaceholderText(tr("Press search button to retrieve all available files..."));
     m_resultsCallback = [this](std::shared_ptr<osdu::StorageRecordCollection> results) {
         Q_EMIT searchDone(std::move(results));
     };

@@ -23,13 +23,14 @@ namespace fast {
 
 namespace {
 
-const char* const kPanelHelp =
+const char* const kPanelHelp = QT_TRANSLATE_NOOP(
+    "fast::FastTabWidget",
     "Once the volumes of interest are listed:<br>&nbsp;- Mount a VDS into current project by clicking on either <img "
     "src=':/light/down_ok.png' width=\"12\" height=\"12\"> or <img src=':/light/down_ko.png' width=\"12\" "
     "height=\"12\"></br><br>&nbsp;- Unmount a VDS by clicking on <img src=':/light/delete24.png' width=\"12\" "
     "height=\"12\"></br><br>The icon <img src=':/light/down_ok.png' width=\"12\" height=\"12\"> indicates that the "
     "VDS is not locally registered in the FAST™ virtual drive.</br><br>The icon <img src=':/light/down_ko.png' "
-    "width=\"12\" height=\"12\"> indicates that the VDS is locally registered in the FAST™ virtual drive.</br>";
+    "width=\"12\" height=\"12\"> indicates that the VDS is locally registered in the FAST™ virtual drive.</br>");
 
 } // namespace
 
@@ -37,9 +38,9 @@ FastTabWidget::FastTabWidget(const QString& projectPath, QWidget* parent) : QWid
 {
     const auto fast = std::make_shared<Fast>(osdu::getSettingValue(FAST_GROUP, FAST_HOST, "localhost"));
 
-    m_statusLabel = new QLabel("Checking connection to Bluware FAST™...", this);
+    m_statusLabel = new QLabel(tr("Checking connection to Bluware FAST™..."), this);
     m_statusLabel->setObjectName(kStatusLabel);
-    auto* help = new kvWidgets::HelpToolTip(*iconHandler->getPixmap("help24"), QString::fromUtf8(kPanelHelp), this);
+    auto* help = new kvWidgets::HelpToolTip(*iconHandler->getPixmap("help24"), tr(kPanelHelp), this);
 
     auto* layout = new QGridLayout(this);
     m_tabWidget = new QTabWidget(this);
@@ -52,9 +53,9 @@ FastTabWidget::FastTabWidget(const QString& projectPath, QWidget* parent) : QWid
     pages[0]->setObjectName(kOsduPage);
     pages[1]->setObjectName(kLocalPage);
     pages[2]->setObjectName(kCloudPage);
-    m_tabWidget->addTab(pages[0], "OSDU™ Data Platform browser");
-    m_tabWidget->addTab(pages[1], "Local VDS file");
-    m_tabWidget->addTab(pages[2], "Cloud VDS file");
+    m_tabWidget->addTab(pages[0], tr("OSDU™ Data Platform browser"));
+    m_tabWidget->addTab(pages[1], tr("Local VDS file"));
+    m_tabWidget->addTab(pages[2], tr("Cloud VDS file"));
 
     layout->addWidget(m_tabWidget, 0, 0, 1, 2);
     layout->addWidget(m_statusLabel, 1, 0, Qt::AlignLeft);
@@ -135,11 +136,10 @@ void FastTabWidget::closeEvent(QCloseEvent* event)
 
 void FastTabWidget::updateStatus(bool serviceAvailable, bool korvanePluginAvailable, const QString& version)
 {
-    const QString status =
-        !serviceAvailable ? QString("Not connected to Bluware FAST™")
-        : korvanePluginAvailable
-            ? QString("Connected to Bluware FAST™ %1").arg(version)
-            : QString("Connected to Bluware FAST™ %1 but Korvane plugin is not available").arg(version);
+    const QString status = !serviceAvailable ? tr("Not connected to Bluware FAST™")
+                           : korvanePluginAvailable
+                               ? tr("Connected to Bluware FAST™ %1").arg(version)
+                               : tr("Connected to Bluware FAST™ %1 but Korvane plugin is not available").arg(version);
     if (m_statusLabel->text() != status)
         m_statusLabel->setText(status);
 

@@ -40,14 +40,10 @@ constexpr int kRenameRetryMs = 10;
 constexpr int kRenameAttempts = 1000;
 
 const char* const kRedLabel = "QLabel { color : red; }";
-const char* const kInvalidNameHelp =
+const char* const kInvalidNameHelp = QT_TRANSLATE_NOOP(
+    "fast::MountNewVolume",
     "A file name cannot be blank, contain / \\ : * ? \" < > |, end in a dot or a blank, or be a device "
-    "name (CON, PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9), with or without an extension.";
-
-QString mountErrorTitle()
-{
-    return QStringLiteral("Bluware FAST\u2122 mount error");
-}
+    "name (CON, PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9), with or without an extension.");
 
 int toInt(const std::string& text)
 {
@@ -69,40 +65,36 @@ MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::str
                                const QString& projectPath, QWidget* parent)
     : QDialog(parent), m_fast(fast), m_vdsId(vdsId), m_projectPath(projectPath)
 {
-    setWindowTitle(QStringLiteral("Mount a VDS with Bluware FAST\u2122"));
+    setWindowTitle(tr("Mount a VDS with Bluware FAST™"));
     setWindowIcon(QIcon(QStringLiteral(":/light/bluware24.png")));
 
     const QPixmap helpIcon = *iconHandler->getPixmap(QStringLiteral("help24"));
     auto* grid = new QGridLayout(this);
 
-    m_fileNameLabel = new QLabel(QStringLiteral("Filename"), this);
+    m_fileNameLabel = new QLabel(tr("Filename"), this);
     m_fileNameLabel->setObjectName(kMountFileNameLabel);
     grid->addWidget(m_fileNameLabel, 0, 0, Qt::AlignLeft);
     grid->addWidget(new kvWidgets::HelpToolTip(
                         helpIcon,
-                        QStringLiteral(
-                            "The filename corresponds to the mounted volume. This name will be displayed in the "
-                            "Project Browser of the current project as well as in the FAST\u2122 local virtual "
-                            "drive."),
+                        tr("The filename corresponds to the mounted volume. This name will be displayed in the "
+                           "Project Browser of the current project as well as in the FAST™ local virtual drive."),
                         this),
                     0, 1, Qt::AlignRight);
     m_fileNameEdit = new QLineEdit(this);
     m_fileNameEdit->setObjectName(kMountFileNameField);
     grid->addWidget(m_fileNameEdit, 1, 0, 1, 2);
 
-    grid->addWidget(new QLabel(QStringLiteral("Zone of Interest"), this), 2, 0, Qt::AlignLeft);
+    grid->addWidget(new QLabel(tr("Zone of Interest"), this), 2, 0, Qt::AlignLeft);
     grid->addWidget(new kvWidgets::HelpToolTip(helpIcon,
-                                               QStringLiteral(
-                                                   "Leave the fields below unchanged to mount the whole volume."),
-                                               this),
+                                               tr("Leave the fields below unchanged to mount the whole volume."), this),
                     2, 1, Qt::AlignRight);
 
-    m_inline = addAxisRow(QStringLiteral("In-line"), 3);
-    m_crossline = addAxisRow(QStringLiteral("X-line"), 6);
-    m_z = addAxisRow(QStringLiteral("Z"), 9);
+    m_inline = addAxisRow(tr("In-line"), 3);
+    m_crossline = addAxisRow(tr("X-line"), 6);
+    m_z = addAxisRow(tr("Z"), 9);
 
-    m_cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
-    m_saveButton = new QPushButton(QStringLiteral("Save"), this);
+    m_cancelButton = new QPushButton(tr("Cancel"), this);
+    m_saveButton = new QPushButton(tr("Save"), this);
     m_cancelButton->setObjectName(kMountCancelButton);
     m_saveButton->setObjectName(kMountSaveButton);
     auto* buttons = new QHBoxLayout;
@@ -198,7 +190,7 @@ void MountNewVolume::applyRange(const SubvolumeRange& range)
 
 void MountNewVolume::onFileNameEdited()
 {
-    m_fileNameLabel->setText(QStringLiteral("Filename"));
+    m_fileNameLabel->setText(tr("Filename"));
     m_fileNameLabel->setToolTip(QString());
     m_fileNameLabel->setStyleSheet(
         QStringLiteral("QLabel { color : %1; }").arg(QApplication::palette().color(QPalette::Text).name()));
@@ -220,7 +212,7 @@ void MountNewVolume::onSave()
     if (answer.status != 200 || answer.fileId.empty()) {
         showMountError(link.completeBaseName(), answer.status, answer.body);
         MDEventBus::sendMessage(MDEventBus::Error,
-                                QStringLiteral("Bluware FAST\u2122 error : impossible to mount vds file : %1 : %2")
+                                tr("Bluware FAST™ error : impossible to mount vds file : %1 : %2")
                                     .arg(QString::number(answer.status), answer.body),
                                 false);
         done(0);
@@ -242,14 +234,14 @@ bool MountNewVolume::acceptsFileName(const QString& name)
         return false;
     };
     if (name.isEmpty())
-        return refuse(QStringLiteral("Filename"), QString());
+        return refuse(tr("Filename"), QString());
     // FAST's drive is a Windows drive: a name it cannot hold would only fail there.
     if (!driveCanHoldFileName(name))
-        return refuse(QStringLiteral("Invalid filename"), tr(kInvalidNameHelp));
+        return refuse(tr("Invalid filename"), tr(kInvalidNameHelp));
     // FAST would refuse a name its drive already holds; asking first keeps the user here to
     // choose another.
     if (fileExistsInVirtualDrive(name))
-        return refuse(QStringLiteral("File already exists"), QString());
+        return refuse(tr("File already exists"), QString());
     return true;
 }
 
@@ -335,16 +327,14 @@ void MountNewVolume::onRenameFinished(bool renamed, const std::string& fileId, c
     quietly([&] { m_fast->deleteFile(fileId); });
     showMountError(fileName, 200, QString::fromStdString(fileId));
     MDEventBus::sendMessage(MDEventBus::Error,
-                            QStringLiteral("Bluware FAST\u2122 error : impossible to rename remote file %1.kv")
-                                .arg(fileName),
-                            false);
+                            tr("Bluware FAST™ error : impossible to rename remote file %1.kv").arg(fileName), false);
     done(0);
 }
 
 void MountNewVolume::showMountError(const QString& fileName, int status, const QString& body)
 {
-    QMessageBox::warning(this, mountErrorTitle(),
-                         QStringLiteral("Impossible to mount VDS file : %1\nRequest response :\n %2 : %3")
+    QMessageBox::warning(this, tr("Bluware FAST™ mount error"),
+                         tr("Impossible to mount VDS file : %1\nRequest response :\n %2 : %3")
                              .arg(fileName, QString::number(status), body));
 }
 

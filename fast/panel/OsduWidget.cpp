@@ -42,14 +42,16 @@ enum TraceSite : int {
     MountSite = 302,
 };
 
-const char* const kProviderHelp =
+const char* const kProviderHelp = QT_TRANSLATE_NOOP(
+    "fast::OsduWidget",
     "Cloud provider and OSDU™ Data Platform settings are defined in Tools>Settings>OSDU™ Data Platform/FAST™ "
     "pane.<br>Once these settings are defined, select a cloud provider and click on « Connect » to initialize the "
-    "connection to OSDU™ Data Platform.</br>";
-const char* const kSearchHelp =
+    "connection to OSDU™ Data Platform.</br>");
+const char* const kSearchHelp = QT_TRANSLATE_NOOP(
+    "fast::OsduWidget",
     "When connected, search for VDS volumes.<br>Search with an empty filter to discover all VDS "
     "volumes.</br><br>Narrow your search by defining a filter applied on the following fields:</br><br>&nbsp;- "
-    "Name</br><br>&nbsp;- Description</br><br>&nbsp;- ID</br>";
+    "Name</br><br>&nbsp;- Description</br><br>&nbsp;- ID</br>");
 
 // The dataset's FAST id and files from FAST's listing, matched by URL byte for byte; none when
 // FAST does not know it.
@@ -70,13 +72,13 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
 
     m_osduTree = new OsduTreeView(this);
     m_osduTree->setItemDelegate(new OsduTreeDelegate(m_osduTree->proxyModel(), m_osduTree));
-    m_resultLabel = new QLabel("No results", this);
+    m_resultLabel = new QLabel(tr("No results"), this);
     m_searchInput = new SearchInput(this);
-    m_searchButton = new QPushButton("Search", this);
+    m_searchButton = new QPushButton(tr("Search"), this);
     m_providerChoice = new QComboBox(this);
     m_providerChoice->addItem(QIcon(), text(getCloudProviderDisplayName(OsduFastInitializer::AWS)));
     m_providerChoice->addItem(QIcon(), text(getCloudProviderDisplayName(OsduFastInitializer::Azure)));
-    m_connectButton = new QPushButton("Connect", this);
+    m_connectButton = new QPushButton(tr("Connect"), this);
     m_osduTree->setObjectName(kOsduTree);
     m_resultLabel->setObjectName(kOsduResultLabel);
     m_searchInput->setObjectName(kOsduSearchInput);
@@ -88,10 +90,10 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     auto* layout = new QGridLayout(this);
     layout->addWidget(m_providerChoice, 0, 0, 1, 2);
     layout->addWidget(m_connectButton, 0, 2);
-    layout->addWidget(new kvWidgets::HelpToolTip(helpIcon, QString::fromUtf8(kProviderHelp), this), 0, 3);
+    layout->addWidget(new kvWidgets::HelpToolTip(helpIcon, tr(kProviderHelp), this), 0, 3);
     layout->addWidget(m_searchInput, 1, 0, 1, 2);
     layout->addWidget(m_searchButton, 1, 2);
-    layout->addWidget(new kvWidgets::HelpToolTip(helpIcon, QString::fromUtf8(kSearchHelp), this), 1, 3);
+    layout->addWidget(new kvWidgets::HelpToolTip(helpIcon, tr(kSearchHelp), this), 1, 3);
     layout->addWidget(m_resultLabel, 2, 0, 1, 4);
     layout->addWidget(m_osduTree, 3, 0, 1, 4);
 
@@ -148,8 +150,8 @@ void OsduWidget::onConnect()
     }
     if (!m_initializer || !m_initializer->isInitialized()) {
         trace("FAST OSDU connection error");
-        QMessageBox::critical(this, "Error Initializing OSDU", "Failed to initialize the OSDU runtime environment.",
-                              QMessageBox::Ok);
+        QMessageBox::critical(this, tr("Error Initializing OSDU"),
+                              tr("Failed to initialize the OSDU runtime environment."), QMessageBox::Ok);
         return;
     }
     m_connectButton->setEnabled(false);
@@ -172,12 +174,12 @@ void OsduWidget::authenticationError(const QString& message, const QString& deta
     if (!details.isEmpty())
         shown += QString("<br>%1").arg(details);
     trace(QString("FAST OSDU authentication error %1 : %2").arg(QString::number(AuthenticationErrorSite), shown));
-    QMessageBox::critical(this, "Failed to connect to OSDU environment", shown, QMessageBox::Ok);
+    QMessageBox::critical(this, tr("Failed to connect to OSDU environment"), shown, QMessageBox::Ok);
 }
 
 void OsduWidget::logAuthInfo(const QString& message)
 {
-    information(QString("OSDU Authentication: %1").arg(message));
+    information(tr("OSDU Authentication: %1").arg(message));
 }
 
 void OsduWidget::userAuthorized()
@@ -198,7 +200,8 @@ void OsduWidget::tellSessionEnded()
 {
     m_sessionEnded = false;
     m_connectButton->setEnabled(true);
-    warn(this, "OSDU session ended", "The OSDU™ Data Platform session has ended. Press « Connect » to sign in again.");
+    warn(this, tr("OSDU session ended"),
+         tr("The OSDU™ Data Platform session has ended. Press « Connect » to sign in again."));
 }
 
 void OsduWidget::enableSearch()
@@ -238,9 +241,9 @@ std::vector<VdsInfo> OsduWidget::fastVolumes()
     } catch (const std::exception& failure) {
         // A listing of the wrong shape is as unreadable as one that is not JSON at all.
         trace(QString("FAST OSDU onSearchDone JSONException %1").arg(SearchDoneJsonSite));
-        const QString message = QString("Unable to parse JSON to get VDS list: %1").arg(exceptionText(failure));
-        trace(message);
-        warn(this, "Unable to list VDS", message);
+        const QString reason = exceptionText(failure);
+        trace(QString("Unable to parse JSON to get VDS list: %1").arg(reason));
+        warn(this, tr("Unable to list VDS"), tr("Unable to parse JSON to get VDS list: %1").arg(reason));
     }
     return {};
 }
@@ -253,7 +256,8 @@ void OsduWidget::onSearchDone(const std::shared_ptr<osdu::StorageRecordCollectio
         trace(QString("FAST OSDU onSearchDone exception: %1").arg(exceptionText(failure)));
     }
     const int count = m_osduTree->model()->vdsCount();
-    m_resultLabel->setText(count > 0 ? QString("%1 result(s) found").arg(count) : QString("No result"));
+    // %n lets a translation give each count its own plural form; the English keeps "result(s)".
+    m_resultLabel->setText(count > 0 ? tr("%n result(s) found", nullptr, count) : tr("No result"));
     if (m_searching)
         QApplication::restoreOverrideCursor();
     m_searching = false;
@@ -300,15 +304,14 @@ void OsduWidget::onMountVds(const QString& projectPath, const VdsModel& vdsModel
         openMountDialog(projectPath, vdsModel, vdsId);
     } catch (const Poco::JSON::JSONException& failure) {
         trace(QString("FAST OSDU onMountVds JSONException %1").arg(MountJsonSite));
-        error(
-            QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception while parsing JSON to get volume "
-                    "data from VDS: %3")
-                .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
+        error(tr("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception while parsing JSON to get volume "
+                 "data from VDS: %3")
+                  .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
         forgetRegistration(vdsModel, vdsId);
         warnMountFailed(this);
     } catch (const std::exception& failure) {
         trace(QString("FAST OSDU onMountVds exception %1").arg(MountSite));
-        error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception : %3")
+        error(tr("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception : %3")
                   .arg(text(vdsModel.url), text(vdsId), exceptionText(failure)));
         forgetRegistration(vdsModel, vdsId);
         warnMountFailed(this);

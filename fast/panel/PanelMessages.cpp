@@ -4,6 +4,7 @@
 
 #include <Poco/Exception.h>
 
+#include <QCoreApplication>
 #include <QMessageBox>
 
 namespace fast {
@@ -42,9 +43,11 @@ void traceException(const std::exception& failure)
 
 void reportListingFailure(QWidget* parent, const std::exception& failure)
 {
-    const QString text = QString("Unable to parse JSON to get VDS list: %1").arg(exceptionText(failure));
+    // The pages' shared texts are translated under their common base class.
+    const QString text = QCoreApplication::translate("fast::FastWidget", "Unable to parse JSON to get VDS list: %1")
+                             .arg(exceptionText(failure));
     error(text);
-    warn(parent, "Unable to list VDS", text);
+    warn(parent, QCoreApplication::translate("fast::FastWidget", "Unable to list VDS"), text);
 }
 
 } // namespace fast

@@ -8,6 +8,8 @@ class QWidget;
 
 // How the pages tell the host's log and the user what happened: traces, information
 // and errors on the event bus (MDEventBus::Kind), and warning boxes with an OK button.
+// Information, errors and boxes are for the user and take translated texts (tr()); traces are
+// for the developer and stay in English.
 namespace fast {
 
 void trace(const QString& text);

@@ -46,16 +46,18 @@ enum TraceSite : int {
     InitSite = 372,
 };
 
-const char* const kLocalHelp =
+const char* const kLocalHelp = QT_TRANSLATE_NOOP(
+    "fast::VdsWidget",
     "Once FAST™ service is running, upload the local VDS volume:<br>&nbsp;- Click on <img "
     "src=':/light/projectopen24.png' width=\"12\" height=\"12\"> Open VDS button</br><br>&nbsp;- Select the .vds "
     "file and open it</br><br>&nbsp;- In the new dialog to mount a VDS, enter a file name</br><br>&nbsp;- Define a "
-    "zone of interest if needed then Save.";
-const char* const kCloudHelp =
+    "zone of interest if needed then Save.");
+const char* const kCloudHelp = QT_TRANSLATE_NOOP(
+    "fast::VdsWidget",
     "Once FAST™ service is running, upload the VDS volume from the cloud:<br>&nbsp;- Paste the URL of the "
     "VDS</br><br>&nbsp;- Click on <img src=':/light/down_ko.png' width=\"12\" height=\"12\"> Mount VDS "
     "button</br><br>&nbsp;- In the new dialog to mount a VDS, enter a file name</br><br>&nbsp;- Define a zone of "
-    "interest if needed then Save.";
+    "interest if needed then Save.");
 
 QString pathWithoutSlashes(const QString& url)
 {
@@ -79,14 +81,14 @@ VdsWidget::VdsWidget(eWidgetType type, const std::shared_ptr<Fast>& fast, const 
     if (type == LOCAL_FILE) {
         m_lineEdit->setReadOnly(true);
         m_actionButton->setIcon(QIcon(*iconHandler->getPixmap("projectopen24")));
-        m_actionButton->setToolTip("Open VDS");
+        m_actionButton->setToolTip(tr("Open VDS"));
         connect(m_actionButton, &QPushButton::clicked, this, [this, projectPath] { onBrowseClicked(projectPath); });
-        help = QString::fromUtf8(kLocalHelp);
+        help = tr(kLocalHelp);
     } else if (type == CLOUD_URL) {
         m_actionButton->setIcon(QIcon(*iconHandler->getPixmap("down_ko")));
-        m_actionButton->setToolTip("Mount VDS");
+        m_actionButton->setToolTip(tr("Mount VDS"));
         connect(m_actionButton, &QPushButton::clicked, this, [this, projectPath] { onDownloadClicked(projectPath); });
-        help = QString::fromUtf8(kCloudHelp);
+        help = tr(kCloudHelp);
     }
 
     auto* tree = new VdsTreeView(this);
@@ -158,7 +160,7 @@ void VdsWidget::onBrowseClicked(const QString& projectPath)
 {
     if (!vdsModel())
         return;
-    const QString path = QFileDialog::getOpenFileName(this, "Select VDS file", "C:", "*.vds");
+    const QString path = QFileDialog::getOpenFileName(this, tr("Select VDS file"), "C:", "*.vds");
     if (path.isEmpty())
         return;
     bool recordAdded = false;
@@ -253,9 +255,9 @@ void VdsWidget::abandonMount(const VdsModel& vdsModel, const std::string& vdsId,
         this->vdsModel()->removeRecordForUrl(url);
     }
     m_treeView->refresh();
-    const QString reason = badJson ? "Exception occurred while parsing JSON to get volume data from VDS"
-                                   : "Exception occurred";
-    error(QString("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. %3: %4")
+    const QString reason = badJson ? tr("Exception occurred while parsing JSON to get volume data from VDS")
+                                   : tr("Exception occurred");
+    error(tr("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. %3: %4")
               .arg(text(url), text(vdsId), reason, exceptionText(failure)));
     warnMountFailed(this);
 }

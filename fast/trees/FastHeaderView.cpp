@@ -40,7 +40,7 @@ void FastHeaderView::fillPopup(QVBoxLayout* layout, int logicalIndex)
 
     // The boxes die with the pop-up; forget them then.
     m_checkBoxes.clear();
-    m_allCheckBox = new QCheckBox(QStringLiteral("All"));
+    m_allCheckBox = new QCheckBox(tr("All"));
     connect(m_allCheckBox, &QObject::destroyed, this, [this] {
         m_allCheckBox = nullptr;
         m_checkBoxes.clear();
@@ -48,7 +48,7 @@ void FastHeaderView::fillPopup(QVBoxLayout* layout, int logicalIndex)
     connect(m_allCheckBox, &QCheckBox::stateChanged, this, &FastHeaderView::onAllChanged);
 
     for (const QString& choice : choices) {
-        auto* box = new QCheckBox(choice);
+        auto* box = new QCheckBox(FastSortFilterProxyModel::choiceText(choice));
         box->setCheckState(static_cast<Qt::CheckState>(states.value(choice, Qt::Unchecked)));
         layout->addWidget(box);
         m_checkBoxes.append(box);

@@ -29,6 +29,15 @@ QStringList FastSortFilterProxyModel::filterChoices()
     return {Registered, Unregistered};
 }
 
+QString FastSortFilterProxyModel::choiceText(const QString& choice)
+{
+    if (choice == Registered)
+        return tr("Registered");
+    if (choice == Unregistered)
+        return tr("Unregistered");
+    return choice;
+}
+
 bool FastSortFilterProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
 {
     const auto* model = qobject_cast<const FastTreeModel*>(sourceModel());

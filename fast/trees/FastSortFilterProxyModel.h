@@ -17,6 +17,7 @@ class FASTPANEL_EXPORT FastSortFilterProxyModel : public kvWidgets::SortFilterPr
     Q_OBJECT
 
 public:
+    // The choices' keys, in English whatever the language shown.
     static const QString Registered;
     static const QString Unregistered;
 
@@ -27,6 +28,8 @@ public:
     void setFilterState(const QString& choice, int state);
     QMap<QString, int> filterStates() const;
     QStringList filterChoices();
+    // What the header's filter offers the user for a choice: its translated name.
+    static QString choiceText(const QString& choice);
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;

@@ -7,12 +7,6 @@
 
 namespace fast {
 
-namespace {
-
-const QString kFilesRow = QStringLiteral("Files");
-
-} // namespace
-
 FastTreeModel::FastTreeModel(QObject* parent) : QStandardItemModel(parent)
 {
 }
@@ -92,8 +86,8 @@ void FastTreeModel::addFile(const std::string& vdsId, const std::string& fileId,
     QStandardItem* vdsRow = findVdsRowItem(record.url);
     if (!vdsRow)
         return;
-    if (!vdsRow->child(0) || vdsRow->child(0)->text() != kFilesRow)
-        vdsRow->insertRow(0, makeRow({kFilesRow}, index));
+    if (!vdsRow->child(0) || vdsRow->child(0)->text() != filesRowText())
+        vdsRow->insertRow(0, makeRow({filesRowText()}, index));
 
     QList<QStandardItem*> fileRow = makeRow({text(fileName), text(fileId)}, index, fileIndex);
     static_cast<OsduTreeItem*>(fileRow.last())->setAction(deleteFileText(text(fileName)));
@@ -119,7 +113,7 @@ void FastTreeModel::removeFile(const std::string& vdsId, const VdsFile& file)
 void FastTreeModel::removeFilesGroup(const std::string& url)
 {
     QStandardItem* vdsRow = findVdsRowItem(url);
-    if (vdsRow && vdsRow->child(0) && vdsRow->child(0)->text() == kFilesRow)
+    if (vdsRow && vdsRow->child(0) && vdsRow->child(0)->text() == filesRowText())
         vdsRow->removeRow(0);
 }
 
@@ -155,6 +149,11 @@ void FastTreeModel::rebuildWithout(const std::string& vdsId)
     clearRows();
     removeVdsRecord(vdsId);
     populate();
+}
+
+QString FastTreeModel::filesRowText()
+{
+    return tr("Files");
 }
 
 QString FastTreeModel::mountText(const QString& volumeName)

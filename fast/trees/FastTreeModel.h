@@ -64,6 +64,8 @@ protected:
     void rebuildWithout(const std::string& vdsId);
     // The first record with that id, or -1.
     int indexOf(const std::string& vdsId) const;
+    // The label of the row that gathers a volume's files.
+    static QString filesRowText();
     // What an action cell does, as its tool tip and accessible text say it.
     static QString mountText(const QString& volumeName);
     static QString unmountText(const QString& volumeName);

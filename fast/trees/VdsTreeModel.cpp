@@ -7,7 +7,7 @@ namespace fast {
 
 VdsTreeModel::VdsTreeModel(QObject* parent) : FastTreeModel(parent)
 {
-    setHorizontalHeaderLabels({"Name", "Data", ""});
+    setHorizontalHeaderLabels({tr("Name"), tr("Data"), ""});
     setColumnCount(3);
 }
 
@@ -19,6 +19,10 @@ void VdsTreeModel::clearRows()
 
 void VdsTreeModel::populate()
 {
+    // The labels are looked up once, not per volume.
+    const QString filesLabel = filesRowText();
+    const QString idLabel = tr("Id");
+    const QString pathLabel = tr("Path");
     for (int i = 0; i < m_vdsList.size(); ++i) {
         const VdsModel& vds = m_vdsList.at(i);
         QList<QStandardItem*> vdsRow = makeRow({vds.name}, i);
@@ -27,7 +31,7 @@ void VdsTreeModel::populate()
         QStandardItem* parent = vdsRow.first();
 
         if (!vds.files.empty()) {
-            const QList<QStandardItem*> filesRow = makeRow({"Files"}, i);
+            const QList<QStandardItem*> filesRow = makeRow({filesLabel}, i);
             appendChild(parent, filesRow);
             for (int k = 0; k < static_cast<int>(vds.files.size()); ++k) {
                 const VdsFile& file = vds.files[static_cast<std::size_t>(k)];
@@ -37,9 +41,9 @@ void VdsTreeModel::populate()
             }
         }
         if (!vds.vdsId.empty())
-            appendChild(parent, makeRow({"Id", text(vds.vdsId)}, i));
+            appendChild(parent, makeRow({idLabel, text(vds.vdsId)}, i));
         if (!vds.url.empty())
-            appendChild(parent, makeRow({"Path", text(vds.url)}, i));
+            appendChild(parent, makeRow({pathLabel, text(vds.url)}, i));
         // Added whole: one insertion for the views instead of one per row.
         appendRow(vdsRow);
     }

@@ -1,5 +1,6 @@
 #include "AuthorizationSession_p.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QHostAddress>
 #include <QMap>
@@ -30,9 +31,12 @@ QByteArray decoded(QByteArray text)
     return QByteArray::fromPercentEncoding(text.replace('+', ' '));
 }
 
+// The page the browser shows at the end of the sign-in, in the user's language.
 void reply(QTcpSocket* socket, int status, const QString& text)
 {
-    const QByteArray body = "<!DOCTYPE html><html><head><meta charset=\"utf-8\"><title>Sign-in</title></head><body><p>"
+    const QString title = QCoreApplication::translate("osdu::AuthorizationSession", "Sign-in");
+    const QByteArray body = "<!DOCTYPE html><html><head><meta charset=\"utf-8\"><title>"
+                            + title.toHtmlEscaped().toUtf8() + "</title></head><body><p>"
                             + text.toHtmlEscaped().toUtf8() + "</p></body></html>";
     const QByteArray reason = status == 200 ? "OK" : status == 404 ? "Not Found" : "Bad Request";
     socket->write("HTTP/1.1 " + QByteArray::number(status) + ' ' + reason
@@ -68,7 +72,7 @@ TokenRequest AuthorizationSession::refreshRequest(const OsduAuthProvider& provid
 void AuthorizationSession::startWithRefreshToken(const std::string& refreshToken)
 {
     m_refreshing = true;
-    Q_EMIT m_provider.info(QStringLiteral("Signing in with the stored session"));
+    Q_EMIT m_provider.info(tr("Signing in with the stored session"));
     exchange(refreshRequest(m_provider, refreshToken, m_timeoutMs));
 }
 
@@ -76,8 +80,8 @@ void AuthorizationSession::startInBrowser()
 {
     const int port = m_params.callbackPort;
     if (port < 0 || port > 65535 || !m_server.listen(QHostAddress::LocalHost, static_cast<quint16>(port))) {
-        const QString why = port < 0 || port > 65535 ? QStringLiteral("not a port number") : m_server.errorString();
-        finish({QStringLiteral("Unable to listen for the sign-in answer on port %1: %2").arg(port).arg(why),
+        const QString why = port < 0 || port > 65535 ? tr("not a port number") : m_server.errorString();
+        finish({tr("Unable to listen for the sign-in answer on port %1: %2").arg(port).arg(why),
                 {},
                 QUrl(QString::fromStdString(m_params.callbackUrl))});
         return;
@@ -117,13 +121,12 @@ void AuthorizationSession::startInBrowser()
     connect(&m_server, &QTcpServer::newConnection, this, &AuthorizationSession::acceptConnections);
     m_browserWait.setSingleShot(true);
     connect(&m_browserWait, &QTimer::timeout, this, [this] {
-        finish(
-            {QStringLiteral("Sign-in timed out: no answer came back from the browser"), {}, authorizationEndpoint()});
+        finish({tr("Sign-in timed out: no answer came back from the browser"), {}, authorizationEndpoint()});
     });
     m_browserWait.start(OsduAuthProvider::BrowserWaitLimitMs);
-    Q_EMIT m_provider.info(QStringLiteral("Waiting for the sign-in in the web browser"));
+    Q_EMIT m_provider.info(tr("Waiting for the sign-in in the web browser"));
     if (!m_provider.m_state->opener(QUrl::fromEncoded(url, QUrl::StrictMode)))
-        finish({QStringLiteral("Unable to open the web browser for sign-in"), {}, authorizationEndpoint()});
+        finish({tr("Unable to open the web browser for sign-in"), {}, authorizationEndpoint()});
 }
 
 void AuthorizationSession::refuse(const QString& message, const QString& url)
@@ -152,7 +155,7 @@ void AuthorizationSession::readCallback(QTcpSocket* socket)
     const QByteArray target = words.size() == 3 && words[0] == "GET" ? words[1] : QByteArray();
     const int question = target.indexOf('?');
     if (m_finished || m_browser || target.left(question) != m_callbackPath) {
-        reply(socket, 404, QStringLiteral("Not found."));
+        reply(socket, 404, tr("Not found."));
         return;
     }
     handleCallback(socket, question < 0 ? QByteArray() : target.mid(question + 1));
@@ -170,8 +173,8 @@ void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& 
     // Any local program or web page can reach this port; only the answer that carries this
     // sign-in's state may end it, so the others are turned away and the wait goes on.
     if (fields.value("state") != m_state) {
-        reply(socket, 400, QStringLiteral("This answer did not come from the sign-in under way (state mismatch)"));
-        Q_EMIT m_provider.info(QStringLiteral("A sign-in answer without this sign-in's state was refused"));
+        reply(socket, 400, tr("This answer did not come from the sign-in under way (state mismatch)"));
+        Q_EMIT m_provider.info(tr("A sign-in answer without this sign-in's state was refused"));
         return;
     }
     m_browser = socket;
@@ -184,12 +187,12 @@ void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& 
         if (!description.isEmpty())
             details += (details.isEmpty() ? QString() : QStringLiteral(": ")) + description;
         if (details.isEmpty())
-            details = QStringLiteral("no authorization code came back");
-        finish({QStringLiteral("Sign-in was refused by the authorization server"), details, authorizationEndpoint()});
+            details = tr("no authorization code came back");
+        finish({tr("Sign-in was refused by the authorization server"), details, authorizationEndpoint()});
         return;
     }
 
-    Q_EMIT m_provider.info(QStringLiteral("Completing the sign-in with the authorization server"));
+    Q_EMIT m_provider.info(tr("Completing the sign-in with the authorization server"));
     TokenRequest request{m_params.oauthTokenUrl,
                          {{"grant_type", "authorization_code"},
                           {"code", code.toStdString()},
@@ -240,9 +243,9 @@ void AuthorizationSession::finish(const Outcome& outcome)
         socket->setParent(nullptr);
         QTimer::singleShot(PageDeliveryMs, socket, &QObject::deleteLater);
         if (outcome.message.isEmpty())
-            reply(socket, 200, QStringLiteral("Signed in. You can close this window."));
+            reply(socket, 200, tr("Signed in. You can close this window."));
         else
-            reply(socket, 400, outcome.message + QStringLiteral(". You can close this window."));
+            reply(socket, 400, tr("%1. You can close this window.").arg(outcome.message));
     }
     if (m_provider.m_state->session == this)
         m_provider.m_state->session = nullptr;

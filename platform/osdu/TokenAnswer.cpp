@@ -1,10 +1,14 @@
 #include "TokenAnswer_p.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QVariant>
 
 #include <algorithm>
+
+// The sign-in's failures reach the user through OsduAuthProvider::error, and are translated
+// under that class.
 
 namespace osdu {
 
@@ -29,7 +33,7 @@ QString serverWords(const QJsonObject& answer, int status)
     const QString code = answer.value(QStringLiteral("error")).toString();
     const QString description = answer.value(QStringLiteral("error_description")).toString();
     if (code.isEmpty() && description.isEmpty())
-        return QStringLiteral("HTTP status %1").arg(status);
+        return QCoreApplication::translate("osdu::OsduAuthProvider", "HTTP status %1").arg(status);
     if (code.isEmpty() || description.isEmpty())
         return code + description;
     return code + QStringLiteral(": ") + description;
@@ -41,7 +45,8 @@ TokenGrant readTokenAnswer(const CurlResponse& response)
 {
     TokenGrant grant;
     if (response.statusCode == 0) {
-        grant.message = QStringLiteral("Unable to reach the authorization server");
+        grant.message = QCoreApplication::translate("osdu::OsduAuthProvider",
+                                                    "Unable to reach the authorization server");
         grant.details = QString::fromStdString(response.error);
         return grant;
     }
@@ -49,8 +54,10 @@ TokenGrant readTokenAnswer(const CurlResponse& response)
     const QString accessToken = answer.value(QStringLiteral("access_token")).toString();
     if (response.statusCode != 200 || accessToken.isEmpty()) {
         grant.message = response.statusCode >= 500
-                            ? QStringLiteral("The authorization server failed to complete the sign-in")
-                            : QStringLiteral("Sign-in was refused by the authorization server");
+                            ? QCoreApplication::translate("osdu::OsduAuthProvider",
+                                                          "The authorization server failed to complete the sign-in")
+                            : QCoreApplication::translate("osdu::OsduAuthProvider",
+                                                          "Sign-in was refused by the authorization server");
         grant.details = serverWords(answer, response.statusCode);
         grant.refused = response.statusCode == 400 || response.statusCode == 401;
         return grant;
@@ -59,9 +66,12 @@ TokenGrant readTokenAnswer(const CurlResponse& response)
     // The token goes out as "Authorization: Bearer"; a token of another type would be misused.
     const QString tokenType = answer.value(QStringLiteral("token_type")).toString();
     if (tokenType.compare(QStringLiteral("Bearer"), Qt::CaseInsensitive) != 0) {
-        grant.message = QStringLiteral("Sign-in failed: the authorization server did not issue a bearer token");
-        grant.details = tokenType.isEmpty() ? QStringLiteral("its answer has no token_type")
-                                            : QStringLiteral("token_type \"%1\"").arg(tokenType);
+        grant.message =
+            QCoreApplication::translate("osdu::OsduAuthProvider",
+                                        "Sign-in failed: the authorization server did not issue a bearer token");
+        grant.details = tokenType.isEmpty()
+                            ? QCoreApplication::translate("osdu::OsduAuthProvider", "its answer has no token_type")
+                            : QStringLiteral("token_type \"%1\"").arg(tokenType);
         return grant;
     }
 

@@ -1,5 +1,6 @@
 #include "TransportSecurity_p.h"
 
+#include <QCoreApplication>
 #include <QHostAddress>
 #include <QString>
 #include <QUrl>
@@ -22,8 +23,12 @@ bool usesSafeTransport(const std::string& url)
 
 std::string unsafeTransportMessage(const char* setting)
 {
-    return std::string("The setting ") + setting
-           + " must be an https URL: plain http is refused for any host but this machine's loopback";
+    // The user reads it, as a sign-in or search failure.
+    return QCoreApplication::translate(
+               "osdu::OsduAuthProvider",
+               "The setting %1 must be an https URL: plain http is refused for any host but this machine's loopback")
+        .arg(QString::fromUtf8(setting))
+        .toStdString();
 }
 
 } // namespace osdu

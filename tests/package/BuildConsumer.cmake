@@ -28,6 +28,12 @@ else()
   run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
 endif()
 
+# The compiled translations lie where the host integration guide says; the pseudo-locale is
+# always among them.
+if(NOT EXISTS "${WORK_DIR}/prefix/${DATA_DIR}/translations/fastpanel_en_XA.qm")
+  message(FATAL_ERROR "no ${DATA_DIR}/translations/fastpanel_en_XA.qm in the installed package")
+endif()
+
 # Only public headers are installed, and each of them compiles with the installed ones alone:
 # the consumer builds one source that includes every installed header.
 file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/${INCLUDE_DIR}" "${WORK_DIR}/prefix/${INCLUDE_DIR}/*.h")
