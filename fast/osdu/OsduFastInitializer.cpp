@@ -8,6 +8,7 @@
 #include <osdu/AzureOsduAuthProvider.h>
 #include <osdu/Settings.h>
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QSettings>
@@ -176,13 +177,15 @@ void OsduFastInitializer::storeRefreshToken(const std::string& settingsGroup)
     settings.setValue(key(OSDU_REFRESH_TOKEN), token);
 }
 
+// The context is spelled out: Qt 6's lupdate files a class's tr() called from a free function
+// under the class name without its namespace, which is not the context tr() looks up.
 std::string getCloudProviderDisplayName(OsduFastInitializer::eCloudProvider provider)
 {
     switch (provider) {
     case OsduFastInitializer::AWS:
-        return OsduFastInitializer::tr("Amazon Web Services").toStdString();
+        return QCoreApplication::translate("fast::OsduFastInitializer", "Amazon Web Services").toStdString();
     case OsduFastInitializer::Azure:
-        return OsduFastInitializer::tr("Microsoft Azure").toStdString();
+        return QCoreApplication::translate("fast::OsduFastInitializer", "Microsoft Azure").toStdString();
     }
     return {};
 }
