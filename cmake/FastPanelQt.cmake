@@ -8,10 +8,16 @@ if(FASTPANEL_QT_MAJOR_VERSION STREQUAL "5")
   set(FASTPANEL_QT_MINIMUM_VERSION 5.15)
   set(FASTPANEL_PACKAGE_NAME FastPanel)
   set(FASTPANEL_NAME_SUFFIX "")
+  # The Qt 5 build's headers lie at the top of the prefix, as they always have.
+  set(FASTPANEL_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
+  # The Debian package a host needs to build against this Qt.
+  set(FASTPANEL_QT_DEBIAN_DEV_PACKAGE qtbase5-dev)
 elseif(FASTPANEL_QT_MAJOR_VERSION STREQUAL "6")
   set(FASTPANEL_QT_MINIMUM_VERSION 6.2)
   set(FASTPANEL_PACKAGE_NAME FastPanelQt6)
   set(FASTPANEL_NAME_SUFFIX "-qt6")
+  set(FASTPANEL_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/FastPanelQt6")
+  set(FASTPANEL_QT_DEBIAN_DEV_PACKAGE qt6-base-dev)
 else()
   message(FATAL_ERROR "FASTPANEL_QT_MAJOR_VERSION is 5 or 6, not '${FASTPANEL_QT_MAJOR_VERSION}'")
 endif()
@@ -19,13 +25,5 @@ endif()
 find_package(Qt${FASTPANEL_QT_MAJOR_VERSION} ${FASTPANEL_QT_MINIMUM_VERSION} REQUIRED
   COMPONENTS Core Gui Widgets Network Svg Test)
 
-# Where the package's headers and data go: the Qt 5 build's at the top of the prefix, as before;
-# the Qt 6 build's in a folder of its own, so that both can be installed into one prefix.
-set(package_folder "fastpanel${FASTPANEL_NAME_SUFFIX}")
-if(FASTPANEL_QT_MAJOR_VERSION STREQUAL "5")
-  set(FASTPANEL_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
-else()
-  set(FASTPANEL_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/${FASTPANEL_PACKAGE_NAME}")
-endif()
-set(FASTPANEL_INSTALL_DATADIR "${CMAKE_INSTALL_DATADIR}/${package_folder}")
+set(FASTPANEL_INSTALL_DATADIR "${CMAKE_INSTALL_DATADIR}/fastpanel${FASTPANEL_NAME_SUFFIX}")
 set(FASTPANEL_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/${FASTPANEL_PACKAGE_NAME}")
