@@ -59,3 +59,26 @@ function(fastpanel_shared_library target)
   install(FILES "${FASTPANEL_GENERATED_INCLUDE_DIR}/${ARG_PREFIX}/${target}_export.h"
     DESTINATION "${FASTPANEL_INSTALL_INCLUDEDIR}/${ARG_PREFIX}" COMPONENT development)
 endfunction()
+
+# fastpanel_add_test(NAME <name> COMMAND <program-or-target> [args...]
+#                    [LABELS ...] [ENVIRONMENT ...] [TIMEOUT s] [PROPERTIES ...])
+# Every test of the tree is added here: it runs headless, through tests/run-in-own-folders.sh,
+# with HOME, the XDG folders and TMPDIR of its own, fresh for each run and removed after it.
+function(fastpanel_add_test)
+  cmake_parse_arguments(ARG "" "NAME;TIMEOUT" "COMMAND;LABELS;ENVIRONMENT;PROPERTIES" ${ARGN})
+  list(POP_FRONT ARG_COMMAND program)
+  if(TARGET ${program})
+    set(program "$<TARGET_FILE:${program}>")
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
+  add_test(NAME ${ARG_NAME}
+    COMMAND "${PROJECT_SOURCE_DIR}/tests/run-in-own-folders.sh" "${program}" ${ARG_COMMAND})
+  set(environment QT_QPA_PLATFORM=offscreen ${ARG_ENVIRONMENT})
+  set_tests_properties(${ARG_NAME} PROPERTIES
+    ENVIRONMENT "${environment}"
+    LABELS "${ARG_LABELS}"
+    TIMEOUT ${ARG_TIMEOUT}
+    ${ARG_PROPERTIES})
+endfunction()

@@ -2,9 +2,13 @@ cmake_minimum_required(VERSION 3.25)
 # Fails when the committed template lacks a text that the code has: lupdate writes a fresh
 # template from the code into WORK_DIR, and each of its texts must be in the committed one under
 # the same context. ./dev i18n brings the template up to date.
-#   cmake -DLUPDATE=<lupdate> -DSOURCE_DIR=<source root> -DTEMPLATE=<fastpanel.ts> -DWORK_DIR=<dir>
+#   cmake -DLUPDATE=<lupdate> -DSOURCE_DIR=<source root> -DTEMPLATE=<fastpanel.ts> [-DWORK_DIR=<dir>]
 #         -P CheckTemplate.cmake
+# WORK_DIR defaults to a folder in TMPDIR, which ctest gives each test of its own.
 
+if(NOT WORK_DIR)
+  set(WORK_DIR "$ENV{TMPDIR}/template-check")
+endif()
 set(committed "${TEMPLATE}")
 set(TEMPLATE "${WORK_DIR}/fastpanel.ts")
 file(REMOVE "${TEMPLATE}")

@@ -1,5 +1,9 @@
 # Installs the build into a fresh prefix (with DEBIAN_PACKAGES: makes the build's Debian
 # packages and unpacks them into a scratch root), then configures, builds and runs the consumer.
+# WORK_DIR defaults to a folder in TMPDIR, which ctest gives each test of its own.
+if(NOT WORK_DIR)
+  set(WORK_DIR "$ENV{TMPDIR}/package")
+endif()
 file(REMOVE_RECURSE "${WORK_DIR}")
 
 function(run)

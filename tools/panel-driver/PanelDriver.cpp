@@ -30,11 +30,16 @@ void answerMountDialog(QWidget* page, const QString& name, const QString& button
 
 void answerNextFileDialog(const QString& path)
 {
-    // Polls until the dialog has come and gone. The dialog resolves the name against its folder;
-    // should it still complain in a box of its own, the box is closed and the answer given again.
+    // Polls until the dialog has come and gone. The answer is the absolute path written into the
+    // dialog's own name field, not selectFile(): that one leaves the field alone while it has the
+    // focus, and the dialog then resolves whatever the field held. The folder is set as well, so
+    // that the field's own completion, which may shorten the path to the bare name once the
+    // folder's listing arrives, still names the same file. Should the dialog complain in a box of
+    // its own, the box is closed and the answer given again.
+    const QString absolute = QFileInfo(path).absoluteFilePath();
     auto* poll = new QTimer(qApp);
     auto seen = std::make_shared<bool>(false);
-    QObject::connect(poll, &QTimer::timeout, poll, [poll, path, seen] {
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, absolute, seen] {
         QFileDialog* open = nullptr;
         for (QWidget* widget : QApplication::topLevelWidgets()) {
             if (auto* box = qobject_cast<QMessageBox*>(widget);
@@ -51,9 +56,14 @@ void answerNextFileDialog(const QString& path)
             return;
         }
         *seen = true;
-        const QFileInfo file(path);
-        open->setDirectory(file.absolutePath());
-        open->selectFile(file.fileName());
+        auto* field = open->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (!field)
+            return;
+        if (field->text() != absolute) {
+            open->setDirectory(QFileInfo(absolute).absolutePath());
+            field->setText(absolute);
+            return; // accepted on a later poll, once the field is seen to hold the path
+        }
         // Queued: accept() may open a box of its own, which this poll must be free to close.
         QMetaObject::invokeMethod(open, "accept", Qt::QueuedConnection);
     });
