@@ -12,6 +12,7 @@
 #include <fast/trees/VdsTreeModel.h>
 #include <fast/trees/VdsTreeView.h>
 
+#include <QAbstractItemModelTester>
 #include <QCheckBox>
 #include <QLayout>
 #include <QPainter>
@@ -145,6 +146,8 @@ void TreePaintingTest::popupChoicesDriveTheFilterAndAllFollowsThem()
     view.setConnectedToFast(true);
     view.refresh();
     showExpanded(view);
+    const QAbstractItemModelTester proxyCheck(view.proxyModel(),
+                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
     auto& header = static_cast<fast::FastHeaderView&>(*view.header());
     QSignalSpy filtered(&header, &fast::FastHeaderView::filterColumns);
 
@@ -172,6 +175,11 @@ void TreePaintingTest::popupChoicesDriveTheFilterAndAllFollowsThem()
     QCOMPARE(proxy.rowCount(), 2);
     QVERIFY(!header.isFilterActive(0));
 
+    clickBox(popupBox(header, "Unregistered"));
+    QCOMPARE(proxy.rowCount(), 1);
+    QCOMPARE(proxy.index(0, 0).data().toString(), "cube");
+    QCOMPARE(proxy.rowCount(proxy.index(0, 0)), view.model()->rowCount(view.model()->index(0, 0)));
+    clickBox(all);
     clickBox(all);
     QCOMPARE(popupBox(header, "Unregistered")->checkState(), Qt::Unchecked);
     QCOMPARE(proxy.rowCount(), 0);
