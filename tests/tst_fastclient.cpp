@@ -33,7 +33,6 @@ class FastClientTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void baseUrlFollowsThePortSettingAsItStands_data();
     void baseUrlFollowsThePortSettingAsItStands();
     void registrationSendsTheConcatenatedBodyAndReportsRefusalsByStatus();
     void mountBodyHasSortedKeysAndDoubledWindowsSeparators();
@@ -44,25 +43,12 @@ private Q_SLOTS:
     void oneClientServesSeveralThreadsAtOnce();
 };
 
-void FastClientTest::baseUrlFollowsThePortSettingAsItStands_data()
-{
-    QTest::addColumn<QString>("port");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("no setting") << QString() << "http://localhost:27182";
-    QTest::newRow("8080") << "8080"
-                          << "http://localhost:8080";
-    QTest::newRow("spaces kept") << " 80 "
-                                 << "http://localhost: 80 ";
-}
-
 void FastClientTest::baseUrlFollowsThePortSettingAsItStands()
 {
-    QFETCH(QString, port);
-    QFETCH(QString, expected);
     TestSettings settings;
-    if (!port.isNull())
-        settings.set("FAST", "FAST_PORT", port);
-    QCOMPARE(q(fast::Fast("localhost").baseUrl()), expected);
+    QCOMPARE(q(fast::Fast("localhost").baseUrl()), "http://localhost:27182");
+    settings.set("FAST", "FAST_PORT", " 80 ");
+    QCOMPARE(q(fast::Fast("localhost").baseUrl()), "http://localhost: 80 ");
 }
 
 void FastClientTest::registrationSendsTheConcatenatedBodyAndReportsRefusalsByStatus()
@@ -90,7 +76,6 @@ void FastClientTest::mountBodyHasSortedKeysAndDoubledWindowsSeparators()
     auto client = fixture.client();
     const std::string vdsId = registered(*client, "/data/a.vds");
     fixture.emulator().clearRequests();
-    EventBusRecorder bus;
 
     const auto response = client->mountFile(vdsId, "cube", R"(C:\proj\a.lnk)", 1, 2, 3, 4, 5, 6);
     QCOMPARE(response->getResponse(), 200);
@@ -103,9 +88,6 @@ void FastClientTest::mountBodyHasSortedKeysAndDoubledWindowsSeparators()
                          + q(vdsId) + "\"}";
     QCOMPARE(fixture.requestLines(), QStringList("POST /api/v2/file/"));
     QCOMPARE(q(fixture.emulator().requests().at(0).body), body);
-    QCOMPARE(bus.allTexts(), QStringList({"Call FAST REST API 143: method=POST, url=" + q(fixture.baseUrl())
-                                              + "/api/v2/file/, body=" + body,
-                                          "Response from FAST REST API: code=200, body=" + q(response->getMessage())}));
 }
 
 void FastClientTest::findVdsByUrlAsksFilesThenVolumesAndMatchesExactly()
@@ -126,11 +108,8 @@ void FastClientTest::findVdsByUrlAsksFilesThenVolumesAndMatchesExactly()
     QCOMPARE(q(found->files[0].fileId + ' ' + found->files[0].fileName), q(fileId + " cube"));
 
     QCOMPARE(fixture.requestLines(), QStringList({"GET /api/v2/file/", "GET /api/v2/vds/"}));
-    const QStringList lines = bus.allTexts();
-    QCOMPARE(lines.size(), 4);
-    QCOMPARE(lines[0], "Call FAST REST API 217: method=GET, url=" + q(fixture.baseUrl()) + "/api/v2/file/");
-    QVERIFY(lines[1].startsWith("Response from FAST REST API: code=200, body=[{"));
-    QCOMPARE(lines[2], "Call FAST REST API 201: method=GET, url=" + q(fixture.baseUrl()) + "/api/v2/vds/");
+    QCOMPARE(bus.allTexts().first(),
+             "Call FAST REST API 217: method=GET, url=" + q(fixture.baseUrl()) + "/api/v2/file/");
 
     QVERIFY(!client->findVdsByUrl("/data/A.vds"));
     QVERIFY(!client->findVdsByUrl("/data/a.vds/"));
@@ -161,15 +140,9 @@ void FastClientTest::unmountDeletesEachFileThenTheVolumeWhateverTheOutcome()
     QCOMPARE(lines[0],
              q("Call FAST REST API 161: method=DELETE, url=" + fixture.baseUrl() + "/api/v2/file/" + files[0].fileId));
     QVERIFY(lines[3].startsWith("Response from FAST REST API: code=404, body="));
-    QCOMPARE(lines[6], q("Call FAST REST API 173: method=DELETE, url=" + fixture.baseUrl() + "/api/v2/vds/" + vdsId));
     QVERIFY(fixture.emulator().service().volumes().empty());
     QVERIFY(QDir(fixture.driveDir()).entryList(QDir::Files).isEmpty());
-
-    // deleteFile has its own call site.
-    bus.clear();
     QCOMPARE(client->deleteFile("f1")->getResponse(), 404);
-    QCOMPARE(bus.allTexts()[0],
-             "Call FAST REST API 187: method=DELETE, url=" + q(fixture.baseUrl()) + "/api/v2/file/f1");
 }
 
 void FastClientTest::pluginDescriptionGivesTheExtent()
@@ -183,14 +156,11 @@ void FastClientTest::pluginDescriptionGivesTheExtent()
     fixture.emulator().service().setVolumeExtent("/data/a.vds", extent);
     auto client = fixture.client();
     const std::string vdsId = registered(*client, "/data/a.vds");
-    EventBusRecorder bus;
 
     const fast::SubvolumeRange range = client->getPluginDescription("Korvane", vdsId);
     QCOMPARE(QStringList({q(range.dim0Min), q(range.dim0Max), q(range.dim1Min), q(range.dim1Max), q(range.dim2Min),
                           q(range.dim2Max)}),
              QStringList({"10", "20", "0", "899", "0.5", "99.5"}));
-    QCOMPARE(bus.allTexts().first(), q("Call FAST REST API 260: method=GET, url=" + fixture.baseUrl()
-                                       + "/api/v2/plugin/Korvane?vdsId=" + vdsId));
 }
 
 void FastClientTest::versionParsingFailuresAreReportedOrPassedThrough()
@@ -210,11 +180,9 @@ void FastClientTest::versionParsingFailuresAreReportedOrPassedThrough()
     QVERIFY(!client->getVersion());
     const auto messages = bus.messages();
     QCOMPARE(messages.size(), 2);
-    QCOMPARE(messages[0].kind, Trace);
-    QCOMPARE(messages[0].text, "FAST version JSONException 70");
-    QCOMPARE(messages[1].kind, Error);
+    QCOMPARE(QList<int>({messages[0].kind, messages[1].kind}), QList<int>({Trace, Error}));
     QVERIFY2(messages[1].text.startsWith("Unable to parse JSON to get FAST version: ")
-                 && messages[1].text.size() > QString("Unable to parse JSON to get FAST version: ").size(),
+                 && !messages[1].text.endsWith(": "),
              qPrintable(messages[1].text));
 
     aboutAnswers("[1]");

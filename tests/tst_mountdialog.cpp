@@ -98,12 +98,6 @@ private Q_SLOTS:
                  QStringList({"Filename", "In-line", "X-line", "Z"}));
         QTRY_COMPARE(QApplication::focusWidget(), at(dialog, 1, 0));
         QCOMPARE(button(dialog, 0)->text() + ' ' + button(dialog, 1)->text(), "Cancel Save");
-
-        // Scripts find the same controls by their names.
-        QCOMPARE(fileNameLabel(dialog), at(dialog, 0, 0));
-        QCOMPARE(fileNameField(dialog), at(dialog, 1, 0));
-        QCOMPARE(cancelButton(dialog), button(dialog, 0));
-        QCOMPARE(saveButton(dialog), button(dialog, 1));
     }
 
     void rowsStartOnTheWholeVolume_data()
@@ -129,35 +123,6 @@ private Q_SLOTS:
         FastEmulatorFixture fixture;
         fast::MountNewVolume dialog(fixture.client(), "1", range, fixture.projectDir());
         QCOMPARE(QStringList({axisState(dialog, 3), axisState(dialog, 6), axisState(dialog, 9)}), rows);
-    }
-
-    void typedBoundsAreTheBoundsMounted()
-    {
-        FastEmulatorFixture fixture;
-        MountSession session(fixture);
-        qobject_cast<QSpinBox*>(at(session.dialog, 4, 0))->setValue(150);
-        // Typed over the selected maximum: no keystroke may be taken for a bound of its own.
-        auto* upper = qobject_cast<QSpinBox*>(at(session.dialog, 4, 1));
-        upper->setFocus();
-        upper->selectAll();
-        QTest::keyClicks(upper, "1000");
-        session.save("cube");
-
-        QTRY_COMPARE(session.finished.count(), 1);
-        QCOMPARE(axisState(session.dialog, 3), "10..1199 [150,1000] spins 10..1199 [150,1000]");
-        const QString body = QString::fromStdString(fixture.emulator().requests().at(0).body);
-        QVERIFY2(body.contains(R"("dim2":{"max":1000,"min":150})"), qPrintable(body));
-    }
-
-    void enterInTheNameSaves()
-    {
-        FastEmulatorFixture fixture;
-        MountSession session(fixture);
-        QTest::keyClicks(fileNameField(session.dialog), "cube");
-        QTest::keyClick(fileNameField(session.dialog), Qt::Key_Return);
-        QTRY_COMPARE(session.finished.count(), 1);
-        QCOMPARE(session.finished.at(0).at(0).toInt(), 1);
-        QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
     }
 
     void nonNumericBoundThrows()
@@ -200,13 +165,21 @@ private Q_SLOTS:
         FastEmulatorFixture fixture;
         MountSession session(fixture);
         // Handles and spin boxes follow each other: the body carries the sliders' values.
-        qobject_cast<QSpinBox*>(at(session.dialog, 4, 0))->setValue(100);
+        qobject_cast<QSpinBox*>(at(session.dialog, 4, 0))->setValue(150);
         qobject_cast<kvWidgets::DoubleSlider*>(at(session.dialog, 11, 0))->setUpperValue(90);
         QCOMPARE(axisState(session.dialog, 9), "1..99 [1,90] spins 1..99 [1,90]");
-        session.save("cube");
+        // Typed over the selected maximum: no keystroke may be taken for a bound of its own.
+        auto* upper = qobject_cast<QSpinBox*>(at(session.dialog, 4, 1));
+        upper->setFocus();
+        upper->selectAll();
+        QTest::keyClicks(upper, "1000");
+        // Enter in the name saves.
+        QTest::keyClicks(fileNameField(session.dialog), "cube");
+        QTest::keyClick(fileNameField(session.dialog), Qt::Key_Return);
 
         QTRY_COMPARE(session.finished.count(), 1);
         QCOMPARE(session.finished.at(0).at(0).toInt(), 1);
+        QCOMPARE(axisState(session.dialog, 3), "10..1199 [150,1000] spins 10..1199 [150,1000]");
         QCOMPARE(session.mounted.count(), 1);
         const QVariantList mounted = session.mounted.at(0);
         QCOMPARE(QString::fromStdString(mounted.at(0).value<std::string>() + ' ' + mounted.at(1).value<std::string>()
@@ -219,7 +192,7 @@ private Q_SLOTS:
         const QString linkPath = "\"link_path\":\"" + fixture.projectDir() + '"';
         // The Z row goes out first and the In-line row last.
         const QString subvolume = "\"subvolume\":{\"dim0\":{\"max\":90,\"min\":1},\"dim1\":{\"max\":899,\"min\":20},"
-                                  "\"dim2\":{\"max\":1199,\"min\":100}}";
+                                  "\"dim2\":{\"max\":1000,\"min\":150}}";
         QVERIFY2(body.contains(linkPath) && body.contains(subvolume), qPrintable(body));
     }
 };

@@ -1,5 +1,6 @@
 // The panel as the host sees it: the status line and fastConnected as FAST comes and goes,
-// the routing of fillTrees, the project-folder watcher and an early destruction.
+// the routing of fillTrees and of the pages' signals, the project-folder watcher and an early
+// destruction.
 
 #include "FastEmulatorFixture.h"
 #include "PanelDriver.h"
@@ -46,10 +47,8 @@ class PanelTest : public QObject
 
 private Q_SLOTS:
     void statusFollowsTheServiceAndConnectedIsSentOnChange();
-    void fillTreesRoutesProjectFilesToTheVdsPages();
-    void tabsAndIcons();
-    void controlsAreFoundByTheirNames();
-    void aFileInTheProjectFolderAsksForABrowserUpdate();
+    void fillTreesAndThePagesSignalsReachTheirPlaces();
+    void controlsTabsAndTheProjectWatcher();
     void destroyingThePanelEndsItsWorker();
 };
 
@@ -61,18 +60,19 @@ void PanelTest::statusFollowsTheServiceAndConnectedIsSentOnChange()
     FastEmulatorFixture fixture(options);
     fast::FastTabWidget panel(fixture.projectDir());
     QSignalSpy connected(&panel, &fast::FastTabWidget::fastConnected);
+    fast::VdsWidget* local = localPage(panel);
     QCOMPARE(status(panel), "Checking connection to Bluware FAST™...");
 
     QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Connected to Bluware FAST™ 3.1 but Korvane plugin is not available",
                               kPoll);
     QVERIFY(connected.isEmpty()); // still false, as from the start
+    QVERIFY(!local->treeView()->isEnabled() && !actionButton(*local)->isEnabled());
 
     fixture.emulator().service().setPluginInstalled(true);
     QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Connected to Bluware FAST™ 3.1", kPoll);
     QCOMPARE(connected.size(), 1);
     QCOMPARE(connected.first().first().toBool(), true);
-    fast::VdsWidget* local = localPage(panel);
-    QVERIFY(local->treeView()->isEnabled());
+    QVERIFY(local->treeView()->isEnabled() && actionButton(*local)->isEnabled());
 
     fixture.emulator().stop();
     QTRY_COMPARE_WITH_TIMEOUT(status(panel), "Not connected to Bluware FAST™", kPoll);
@@ -81,7 +81,7 @@ void PanelTest::statusFollowsTheServiceAndConnectedIsSentOnChange()
     QVERIFY(!local->treeView()->isEnabled());
 }
 
-void PanelTest::fillTreesRoutesProjectFilesToTheVdsPages()
+void PanelTest::fillTreesAndThePagesSignalsReachTheirPlaces()
 {
     FastEmulatorFixture fixture;
     auto client = fixture.client();
@@ -90,8 +90,6 @@ void PanelTest::fillTreesRoutesProjectFilesToTheVdsPages()
 
     fast::FastTabWidget panel(fixture.projectDir());
     panel.fillTrees({"/project/l1"}, {"/project/c1"});
-    const QList<fast::FastWidget*> pages = panel.findChildren<fast::FastWidget*>();
-    QCOMPARE(pages.size(), 3);
     const auto names = [](fast::FastWidget* page) {
         QStringList result;
         for (const fast::VdsModel& record : page->treeView()->model()->vdsList())
@@ -101,24 +99,49 @@ void PanelTest::fillTreesRoutesProjectFilesToTheVdsPages()
     QCOMPARE(names(localPage(panel)), QStringList{"local"});
     QCOMPARE(names(cloudPage(panel)), QStringList{"cloud"});
     QCOMPARE(names(osduPage(panel)), QStringList{});
-
     panel.clearTrees();
     QCOMPARE(names(localPage(panel)), QStringList{});
+
+    // What a page hands to the host or takes back goes out through the panel.
+    QSignalSpy added(&panel, &fast::FastTabWidget::addToExtraDataManager);
+    QSignalSpy removed(&panel, &fast::FastTabWidget::removeVdsFileFromProject);
+    for (fast::FastWidget* page : panel.findChildren<fast::FastWidget*>()) {
+        Q_EMIT page->addToExtraDataManager("a", fast::LOCAL_FILE);
+        Q_EMIT page->removeVdsFileFromProject("r");
+    }
+    QCOMPARE(QList<int>({int(added.size()), int(removed.size())}), QList<int>({3, 3}));
 }
 
-void PanelTest::tabsAndIcons()
+void PanelTest::controlsTabsAndTheProjectWatcher()
 {
-    TestSettings settings;
-    QTemporaryDir project;
-    fast::FastTabWidget panel(project.path());
+    // Nothing answers on the port the settings name: the panel polls no other service.
+    FastEmulatorFixture fixture;
+    fixture.emulator().stop();
+    fast::FastTabWidget panel(fixture.projectDir());
+    // Each name sits on the control a person would take for it, with its texts.
     QTabWidget* tabs = pageTabs(panel);
     QCOMPARE(tabs->count(), 3);
+    QCOMPARE(tabs->widget(0), osduPage(panel));
+    QCOMPARE(tabs->widget(1), localPage(panel));
+    QCOMPARE(tabs->widget(2), cloudPage(panel));
+    QCOMPARE(status(panel), "Checking connection to Bluware FAST™...");
+    QCOMPARE(actionButton(*localPage(panel))->toolTip(), "Open VDS");
+    QVERIFY(pathField(*localPage(panel))->isReadOnly());
+    QCOMPARE(actionButton(*cloudPage(panel))->toolTip(), "Mount VDS");
+    QVERIFY(!pathField(*cloudPage(panel))->isReadOnly());
+    for (const fast::VdsWidget* page : {localPage(panel), cloudPage(panel)})
+        QCOMPARE(page->findChild<fast::FastTreeView*>(fast::kVdsTree), page->treeView());
+    const fast::OsduWidget& osdu = *osduPage(panel);
+    QCOMPARE(providerChoice(osdu)->count(), 2);
+    QCOMPARE(connectButton(osdu)->text(), "Connect");
+    QCOMPARE(searchButton(osdu)->text(), "Search");
+    QCOMPARE(resultLabel(osdu), "No results");
+    QCOMPARE(osdu.findChild<fast::FastTreeView*>(fast::kOsduTree), osdu.treeView());
 
     QPixmap red(8, 8);
     red.fill(Qt::red);
     panel.setTabIcons({red, red});
-    QVERIFY(!tabs->tabIcon(1).isNull());
-    QVERIFY(tabs->tabIcon(2).isNull());
+    QVERIFY(!tabs->tabIcon(1).isNull() && tabs->tabIcon(2).isNull());
     panel.setTabIcons({red, red, red, red});
     QVERIFY(!tabs->tabIcon(2).isNull());
 
@@ -132,46 +155,12 @@ void PanelTest::tabsAndIcons()
     for (const QToolButton* arrow : bar->findChildren<QToolButton*>())
         QVERIFY(!arrow->isVisible());
     tabs->setCurrentIndex(0);
-    const fast::SearchInput* search = searchInput(*osduPage(panel));
+    const fast::SearchInput* search = searchInput(osdu);
     QTRY_VERIFY(search->isVisible());
     QVERIFY(search->width() >= search->fontMetrics().horizontalAdvance(search->placeholderText()) + 4);
-}
 
-void PanelTest::controlsAreFoundByTheirNames()
-{
-    TestSettings settings;
-    QTemporaryDir project;
-    fast::FastTabWidget panel(project.path());
-    // Each name sits on the control a person would take for it.
-    QTabWidget* tabs = pageTabs(panel);
-    QCOMPARE(tabs->widget(0), osduPage(panel));
-    QCOMPARE(tabs->widget(1), localPage(panel));
-    QCOMPARE(tabs->widget(2), cloudPage(panel));
-    QCOMPARE(status(panel), "Checking connection to Bluware FAST™...");
-
-    QCOMPARE(actionButton(*localPage(panel))->toolTip(), "Open VDS");
-    QVERIFY(pathField(*localPage(panel))->isReadOnly());
-    QCOMPARE(actionButton(*cloudPage(panel))->toolTip(), "Mount VDS");
-    QVERIFY(!pathField(*cloudPage(panel))->isReadOnly());
-    for (const fast::VdsWidget* page : {localPage(panel), cloudPage(panel)})
-        QCOMPARE(page->findChild<fast::FastTreeView*>(fast::kVdsTree), page->treeView());
-
-    const fast::OsduWidget& osdu = *osduPage(panel);
-    QCOMPARE(providerChoice(osdu)->count(), 2);
-    QCOMPARE(connectButton(osdu)->text(), "Connect");
-    QVERIFY(searchInput(osdu));
-    QCOMPARE(searchButton(osdu)->text(), "Search");
-    QCOMPARE(resultLabel(osdu), "No results");
-    QCOMPARE(osdu.findChild<fast::FastTreeView*>(fast::kOsduTree), osdu.treeView());
-}
-
-void PanelTest::aFileInTheProjectFolderAsksForABrowserUpdate()
-{
-    TestSettings settings;
-    QTemporaryDir project;
-    fast::FastTabWidget panel(project.path());
     QSignalSpy update(&panel, &fast::FastTabWidget::updateProjectBrowser);
-    QFile file(project.filePath("new.kv"));
+    QFile file(QDir(fixture.projectDir()).filePath("new.kv"));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.close();
     QTRY_VERIFY(!update.isEmpty());

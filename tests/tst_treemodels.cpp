@@ -1,4 +1,6 @@
-// How the volume trees lay out their records, and how they follow mounts and unmounts.
+// How the volume trees lay out their records, and how they follow mounts and unmounts. Qt's
+// checker for item models watches every change as it happens (row counts, parents, the signals
+// around inserts and removals).
 
 #include "TreeDump.h"
 
@@ -24,18 +26,10 @@ VdsModel dataset(const QString& id, const QString& name, const std::string& vdsI
                     "https://b/" + name.toStdString(), std::move(files));
 }
 
-// Every change the test makes to a model is checked against Qt's rules for item models as it
-// happens (row counts, parents, the signals around inserts and removals).
-class ModelCheck
+template<typename Model>
+struct Checked : Model
 {
-public:
-    explicit ModelCheck(QAbstractItemModel* model)
-        : m_tester(model, QAbstractItemModelTester::FailureReportingMode::QtTest)
-    {
-    }
-
-private:
-    QAbstractItemModelTester m_tester;
+    QAbstractItemModelTester tester{this, QAbstractItemModelTester::FailureReportingMode::QtTest};
 };
 
 } // namespace
@@ -47,17 +41,14 @@ class TreeModelsTest : public QObject
 private Q_SLOTS:
     void vdsRecordsAreLaidOutWithTheirRoles();
     void osduRecordsAreLaidOutWithTheirRoles();
-    void lookupsAreByIdAndIndexAndUrl();
-    void addFileMakesTheFilesRowWhenMissing();
-    void removingFilesLeavesTheOtherRowsAsTheyAre();
-    void unmountingRebuildsWithoutTheVolume();
+    void lookupsAreByIdAndIndexAndUrlAndUnmountRebuilds();
+    void filesComeAndGoWithoutDisturbingTheOtherRows();
     void duplicateUrlsLeaveTheTreeAlone();
 };
 
 void TreeModelsTest::vdsRecordsAreLaidOutWithTheirRoles()
 {
-    fast::VdsTreeModel model;
-    const ModelCheck modelCheck(&model);
+    Checked<fast::VdsTreeModel> model;
     model.addVds(volume("bare", "", ""));
     model.addVds(volume("cube", "v1", "/d/cube.vds", {{"f1", "a"}, {"f2", "b"}}));
     model.populate();
@@ -82,8 +73,7 @@ void TreeModelsTest::vdsRecordsAreLaidOutWithTheirRoles()
 
 void TreeModelsTest::osduRecordsAreLaidOutWithTheirRoles()
 {
-    fast::OsduTreeModel model;
-    const ModelCheck modelCheck(&model);
+    Checked<fast::OsduTreeModel> model;
     model.addVds(dataset("r0", "north", ""));
     model.addVds(dataset("r1", "south", "v1", {{"f1", "a"}}));
     model.populate();
@@ -100,46 +90,65 @@ void TreeModelsTest::osduRecordsAreLaidOutWithTheirRoles()
                      "  Kind(1,-1) | osdu:wks:dataset--FileCollection.Bluware.OpenVDS:1.0.0(1,-1) | (1,-1) | (1,-1)"));
 }
 
-void TreeModelsTest::lookupsAreByIdAndIndexAndUrl()
+void TreeModelsTest::lookupsAreByIdAndIndexAndUrlAndUnmountRebuilds()
 {
-    fast::VdsTreeModel model;
-    const ModelCheck modelCheck(&model);
+    Checked<fast::VdsTreeModel> model;
     model.addVds(volume("one", "v1", "/d/1.vds"));
     model.addVds(volume("two", "v1", "/d/2.vds"));
+    model.addVds(volume("three", "v3", "/d/3.vds", {{"f1", "a"}}));
     model.populate();
     QCOMPARE(model.findVds("v1")->name, "one");
     QVERIFY(!model.findVds("V1"));
     QVERIFY(!model.vdsAt(-1));
     QVERIFY(!model.vdsAt(model.vdsCount()));
     QCOMPARE(model.findVdsRowItem("/d/2.vds"), model.item(1));
-    QVERIFY(!model.findVdsRowItem("/d/3.vds"));
+    QVERIFY(!model.findVdsRowItem("/d/4.vds"));
+    // The record goes, the rows stay until the next populate.
     model.removeVdsRecord("v1");
-    QCOMPARE(model.vdsList().size(), 1);
+    QCOMPARE(model.vdsList().size(), 2);
     QCOMPARE(model.vdsList().first().name, "two");
-    QCOMPARE(model.rowCount(), 2);
+    QCOMPARE(model.rowCount(), 3);
+
+    model.vdsUnmounted("v1");
+    model.vdsUnmounted("v9");
+    QCOMPARE(model.vdsCount(), 1);
+    QCOMPARE(dumpTree(model).split('\n').first(), "three(0,-1) | (0,-1) | (0,-1)*");
+    QCOMPARE(model.rowCount(), 1);
 }
 
-void TreeModelsTest::addFileMakesTheFilesRowWhenMissing()
+void TreeModelsTest::filesComeAndGoWithoutDisturbingTheOtherRows()
 {
-    fast::VdsTreeModel vdsModel;
-    const ModelCheck vdsModelCheck(&vdsModel);
-    vdsModel.addVds(volume("cube", "v1", "/d/cube.vds"));
-    vdsModel.populate();
-    vdsModel.addFile("v1", "f1", "a");
-    vdsModel.addFile("v1", "f2", "b");
-    vdsModel.addFile("nope", "f3", "c");
-    QCOMPARE(dumpTree(vdsModel), QString("cube(0,-1) | (0,-1) | (0,-1)*\n"
-                                         "  Files(0,-1) | (0,-1) | (0,-1)\n"
-                                         "    a(0,0) | f1(0,0) | (0,0)*\n"
-                                         "    b(0,1) | f2(0,1) | (0,1)*\n"
-                                         "  Id(0,-1) | v1(0,-1) | (0,-1)\n"
-                                         "  Path(0,-1) | /d/cube.vds(0,-1) | (0,-1)"));
-    QCOMPARE(vdsModel.findVds("v1")->files.size(), std::size_t(2));
+    Checked<fast::VdsTreeModel> model;
+    model.addVds(volume("cube", "v1", "/d/cube.vds", {{"f1", "a"}}));
+    model.addVds(volume("bare", "v2", "/d/bare.vds"));
+    model.populate();
+    model.addFile("v1", "f2", "b");
+    model.addFile("v1", "f3", "c");
+    model.addFile("v2", "f4", "d"); // makes the missing "Files" row
+    model.addFile("nope", "f5", "e");
+    model.removeFile("v1", {"f1", "a"});
+    model.removeFile("v9", {"f2", "b"});
+    // The remaining file rows keep their old file index until the next populate.
+    QCOMPARE(dumpTree(model), QString("cube(0,-1) | (0,-1) | (0,-1)*\n"
+                                      "  Files(0,-1) | (0,-1) | (0,-1)\n"
+                                      "    b(0,1) | f2(0,1) | (0,1)*\n"
+                                      "    c(0,2) | f3(0,2) | (0,2)*\n"
+                                      "  Id(0,-1) | v1(0,-1) | (0,-1)\n"
+                                      "  Path(0,-1) | /d/cube.vds(0,-1) | (0,-1)\n"
+                                      "bare(1,-1) | (1,-1) | (1,-1)*\n"
+                                      "  Files(1,-1) | (1,-1) | (1,-1)\n"
+                                      "    d(1,0) | f4(1,0) | (1,0)*\n"
+                                      "  Id(1,-1) | v2(1,-1) | (1,-1)\n"
+                                      "  Path(1,-1) | /d/bare.vds(1,-1) | (1,-1)"));
+    QCOMPARE(QString::fromStdString(model.findVds("v1")->files[0].fileId + model.findVds("v1")->files[1].fileId),
+             "f2f3");
+    model.removeAllFiles("v1");
+    QVERIFY(model.findVds("v1")->files.empty());
+    QCOMPARE(model.item(0)->child(0)->text(), "Id");
 
     // An OSDU dataset has no "Path" row to be found by: the record learns the file, and the
     // next populate shows it.
-    fast::OsduTreeModel osduModel;
-    const ModelCheck osduModelCheck(&osduModel);
+    Checked<fast::OsduTreeModel> osduModel;
     osduModel.addVds(dataset("r0", "north", "v2"));
     osduModel.populate();
     const QString before = dumpTree(osduModel);
@@ -149,45 +158,9 @@ void TreeModelsTest::addFileMakesTheFilesRowWhenMissing()
     QCOMPARE(dumpTree(osduModel).split('\n').at(2), "    z(0,0) | f9(0,0) | (0,0)* | (0,-1)");
 }
 
-void TreeModelsTest::removingFilesLeavesTheOtherRowsAsTheyAre()
-{
-    fast::VdsTreeModel model;
-    const ModelCheck modelCheck(&model);
-    model.addVds(volume("cube", "v1", "/d/cube.vds", {{"f1", "a"}, {"f2", "b"}, {"f3", "c"}}));
-    model.populate();
-    model.removeFile("v1", {"f1", "a"});
-    model.removeFile("v9", {"f2", "b"});
-    const QStringList lines = dumpTree(model).split('\n');
-    // The remaining file rows keep their old file index until the next populate.
-    QCOMPARE(lines.mid(1, 3), QStringList({"  Files(0,-1) | (0,-1) | (0,-1)", "    b(0,1) | f2(0,1) | (0,1)*",
-                                           "    c(0,2) | f3(0,2) | (0,2)*"}));
-    QCOMPARE(model.findVds("v1")->files.size(), std::size_t(2));
-    QCOMPARE(QString::fromStdString(model.findVds("v1")->files[0].fileId), "f2");
-
-    model.removeAllFiles("v1");
-    QVERIFY(model.findVds("v1")->files.empty());
-    QCOMPARE(model.item(0)->child(0)->text(), "Id");
-}
-
-void TreeModelsTest::unmountingRebuildsWithoutTheVolume()
-{
-    fast::VdsTreeModel model;
-    const ModelCheck modelCheck(&model);
-    model.addVds(volume("one", "v1", "/d/1.vds"));
-    model.addVds(volume("two", "v2", "/d/2.vds", {{"f1", "a"}}));
-    model.populate();
-    model.vdsUnmounted("v1");
-    QCOMPARE(model.vdsCount(), 1);
-    QCOMPARE(dumpTree(model).split('\n').first(), "two(0,-1) | (0,-1) | (0,-1)*");
-    QCOMPARE(model.rowCount(), 1);
-    model.vdsUnmounted("v9");
-    QCOMPARE(model.rowCount(), 1);
-}
-
 void TreeModelsTest::duplicateUrlsLeaveTheTreeAlone()
 {
-    fast::VdsTreeModel model;
-    const ModelCheck modelCheck(&model);
+    Checked<fast::VdsTreeModel> model;
     model.addVds(volume("one", "v1", "/d/same.vds"));
     model.addVds(volume("two", "v2", "/d/same.vds"));
     model.populate();

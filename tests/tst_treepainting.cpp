@@ -12,6 +12,7 @@
 #include <fast/trees/VdsTreeModel.h>
 #include <fast/trees/VdsTreeView.h>
 
+#include <QAbstractItemModelTester>
 #include <QCheckBox>
 #include <QLayout>
 #include <QPainter>
@@ -78,48 +79,42 @@ class TreePaintingTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void vdsDelegateDrawsTheIconCentredAndHalfOpaqueUnlessHovered();
-    void osduDelegateShowsTheMountStateAndUnmountOnlyWhenRegistered();
+    void delegatesDrawTheIconCentredAndHalfOpaqueUnlessHovered();
     void delegatesDrawNothingForAForeignModel();
     void popupChoicesDriveTheFilterAndAllFollowsThem();
     void filterIconIsHighlightedWhileAnythingIsHidden();
 };
 
-void TreePaintingTest::vdsDelegateDrawsTheIconCentredAndHalfOpaqueUnlessHovered()
+void TreePaintingTest::delegatesDrawTheIconCentredAndHalfOpaqueUnlessHovered()
 {
-    fast::VdsTreeView view;
-    fast::VdsTreeDelegate delegate(view.proxyModel());
-    view.model()->addVds(registeredVolume());
-    view.setConnectedToFast(true);
-    view.refresh();
+    fast::VdsTreeView vds;
+    fast::VdsTreeDelegate delegate(vds.proxyModel());
+    fast::OsduTreeView osdu;
+    fast::OsduTreeDelegate osduDelegate(osdu.proxyModel());
+    for (fast::FastTreeView* view : std::initializer_list<fast::FastTreeView*>{&vds, &osdu}) {
+        view->model()->addVds(registeredVolume());
+        view->model()->addVds(unregisteredVolume());
+        view->setConnectedToFast(true);
+        view->refresh();
+    }
 
-    const QModelIndex icon = cellAt(view, {0}, 2);
+    const QModelIndex icon = cellAt(vds, {0}, 2);
     QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 0.5));
     delegate.setHoveredIndex(icon);
     QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 1.0));
-    QCOMPARE(paintCell(delegate, cellAt(view, {0, 0, 0}, 2)), expectedCell(":/light/delete24.png", 0.5));
+    QCOMPARE(paintCell(delegate, cellAt(vds, {0, 0, 0}, 2)), expectedCell(":/light/delete24.png", 0.5));
     // The "Id" row's column 2 carries no action: blank, not even a background.
-    QCOMPARE(paintCell(delegate, cellAt(view, {0, 1}, 2)), blankCell());
-
+    QCOMPARE(paintCell(delegate, cellAt(vds, {0, 1}, 2)), blankCell());
     QStyleOptionViewItem option;
     QCOMPARE(delegate.sizeHint(option, icon), QSize(30, 30));
-    QCOMPARE(delegate.sizeHint(option, cellAt(view, {0}, 0)).height(), 30);
-}
+    QCOMPARE(delegate.sizeHint(option, cellAt(vds, {0}, 0)).height(), 30);
 
-void TreePaintingTest::osduDelegateShowsTheMountStateAndUnmountOnlyWhenRegistered()
-{
-    fast::OsduTreeView view;
-    fast::OsduTreeDelegate delegate(view.proxyModel());
-    view.model()->addVds(registeredVolume());
-    view.model()->addVds(unregisteredVolume());
-    view.setConnectedToFast(true);
-    view.refresh();
-
-    QCOMPARE(paintCell(delegate, cellAt(view, {0}, 2)), expectedCell(":/light/down_ko.png", 0.5));
-    QCOMPARE(paintCell(delegate, cellAt(view, {0}, 3)), expectedCell(":/light/delete24.png", 0.5));
-    QCOMPARE(paintCell(delegate, cellAt(view, {1}, 2)), expectedCell(":/light/down_ok.png", 0.5));
-    QCOMPARE(paintCell(delegate, cellAt(view, {1}, 3)), blankCell());
-    QCOMPARE(paintCell(delegate, cellAt(view, {0, 1}, 3)), blankCell());
+    // The OSDU tree shows the mount state, and unmount only for a registered dataset.
+    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0}, 2)), expectedCell(":/light/down_ko.png", 0.5));
+    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0}, 3)), expectedCell(":/light/delete24.png", 0.5));
+    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {1}, 2)), expectedCell(":/light/down_ok.png", 0.5));
+    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {1}, 3)), blankCell());
+    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0, 1}, 3)), blankCell());
 }
 
 void TreePaintingTest::delegatesDrawNothingForAForeignModel()
@@ -145,6 +140,8 @@ void TreePaintingTest::popupChoicesDriveTheFilterAndAllFollowsThem()
     view.setConnectedToFast(true);
     view.refresh();
     showExpanded(view);
+    const QAbstractItemModelTester proxyCheck(view.proxyModel(),
+                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
     auto& header = static_cast<fast::FastHeaderView&>(*view.header());
     QSignalSpy filtered(&header, &fast::FastHeaderView::filterColumns);
 
@@ -172,6 +169,11 @@ void TreePaintingTest::popupChoicesDriveTheFilterAndAllFollowsThem()
     QCOMPARE(proxy.rowCount(), 2);
     QVERIFY(!header.isFilterActive(0));
 
+    clickBox(popupBox(header, "Unregistered"));
+    QCOMPARE(proxy.rowCount(), 1);
+    QCOMPARE(proxy.index(0, 0).data().toString(), "cube");
+    QCOMPARE(proxy.rowCount(proxy.index(0, 0)), view.model()->rowCount(view.model()->index(0, 0)));
+    clickBox(all);
     clickBox(all);
     QCOMPARE(popupBox(header, "Unregistered")->checkState(), Qt::Unchecked);
     QCOMPARE(proxy.rowCount(), 0);

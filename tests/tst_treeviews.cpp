@@ -10,7 +10,6 @@
 #include <fast/trees/VdsTreeModel.h>
 #include <fast/trees/VdsTreeView.h>
 
-#include <QAbstractItemModelTester>
 #include <QHeaderView>
 #include <QToolTip>
 #include <QtTest>
@@ -89,7 +88,6 @@ private Q_SLOTS:
     void hoverFollowsTheMouseAndClearsOnLeave();
     void disconnectingHidesIconsAndKeepsRecords();
     void childrenTakeTheirParentsStripe();
-    void theRegistrationFilterShowsVolumesByState();
 };
 
 void TreeViewsTest::vdsIconsUnmountVolumesAndDeleteFiles()
@@ -256,31 +254,6 @@ void TreeViewsTest::childrenTakeTheirParentsStripe()
     QCOMPARE(background({1, 0}), palette.color(QPalette::AlternateBase));
     QCOMPARE(background({1, 0, 1}), palette.color(QPalette::Base));
     QCOMPARE(background({1, 1}), palette.color(QPalette::AlternateBase));
-}
-
-void TreeViewsTest::theRegistrationFilterShowsVolumesByState()
-{
-    fast::OsduTreeView view;
-    fast::FastSortFilterProxyModel* proxy = view.proxyModel();
-    const QAbstractItemModelTester proxyCheck(proxy, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    const QAbstractItemModelTester modelCheck(view.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-    prepare<fast::OsduTreeView, fast::OsduTreeDelegate>(view);
-    const auto shown = [proxy](int registered, int unregistered) {
-        proxy->setFilterState(fast::FastSortFilterProxyModel::Registered, registered);
-        proxy->setFilterState(fast::FastSortFilterProxyModel::Unregistered, unregistered);
-        proxy->invalidateFilterPublic();
-        QStringList names;
-        for (int row = 0; row < proxy->rowCount(); ++row)
-            names << proxy->index(row, 0).data().toString();
-        return names;
-    };
-    QCOMPARE(shown(Qt::Checked, Qt::Checked), QStringList({"cube", "fresh"}));
-    QCOMPARE(shown(Qt::Checked, Qt::Unchecked), QStringList("cube"));
-    QCOMPARE(shown(Qt::Unchecked, Qt::Checked), QStringList("fresh"));
-    QCOMPARE(shown(Qt::Unchecked, Qt::Unchecked), QStringList());
-    // A volume's own rows stay whole under a filter that shows it.
-    shown(Qt::Checked, Qt::Unchecked);
-    QCOMPARE(proxy->rowCount(proxy->index(0, 0)), view.model()->rowCount(view.model()->index(0, 0)));
 }
 
 QTEST_MAIN(TreeViewsTest)

@@ -110,6 +110,14 @@ private Q_SLOTS:
         QCOMPARE(value(""), "");
     }
 
+    void fastIdsAreShortWordsOfUrlSafeCharacters()
+    {
+        QVERIFY(fast::isFastId("azAZ09-_.:~") && fast::isFastId(std::string(256, 'z')));
+        for (const std::string& refused : {std::string(), std::string("null"), std::string("a b"), std::string("a/b"),
+                                           std::string("@"), std::string(257, 'a')})
+            QVERIFY2(!fast::isFastId(refused), refused.c_str());
+    }
+
     void parseSubvolumeRangeReadsEachLevelAndLeavesMissingOnesEmpty()
     {
         const fast::SubvolumeRange r = fast::parseSubvolumeRange(

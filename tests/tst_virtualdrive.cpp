@@ -9,26 +9,20 @@ class VirtualDriveTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void mountPointIsReadAfreshAndCleaned()
+    void mountPointIsReadAfreshAndCleanedAndMountedPathsAreACaseBlindPrefix()
     {
         TestSettings settings;
         QCOMPARE(fast::mountPoint(), QStringLiteral("K:"));
         settings.set("FAST", "FAST_MOUNT_POINT", R"(C:\mnt\\fast\.\)");
         QCOMPARE(fast::mountPoint(), QStringLiteral("C:/mnt/fast"));
-        settings.remove("FAST", "FAST_MOUNT_POINT");
-        QCOMPARE(fast::mountPoint(), QStringLiteral("K:"));
-    }
-
-    void isMountedInVirtualDriveIsACaseBlindPrefixTest()
-    {
-        TestSettings settings;
-        settings.set("FAST", "FAST_MOUNT_POINT", R"(C:\mnt\fast\)");
         QVERIFY(fast::isMountedInVirtualDrive(R"(c:\MNT\fast\cube.kv)"));
         QVERIFY(fast::isMountedInVirtualDrive("C:/mnt/other/../fast/cube.kv"));
         // Kept on purpose: the test is on text, not on path components.
         QVERIFY(fast::isMountedInVirtualDrive("C:/mnt/fastest/cube.kv"));
         QVERIFY(!fast::isMountedInVirtualDrive("D:/C:/mnt/fast/cube.kv"));
         QVERIFY(!fast::isMountedInVirtualDrive("C:/mnt/cube.kv"));
+        settings.remove("FAST", "FAST_MOUNT_POINT");
+        QCOMPARE(fast::mountPoint(), QStringLiteral("K:"));
     }
 
     void fileExistsInVirtualDriveLooksForTheProjectFileAtTheRoot()
