@@ -147,59 +147,32 @@ void FaultsOsduTest::faults_data()
     QTest::addColumn<QString>("said");
     QTest::addColumn<QString>("later");
 
-    QTest::newRow("token endpoint closed") << "lapsed"
-                                           << "connect"
-                                           << "closed" << kSignInBox + "Unable to reach the authorization server<br>"
-                                           << "";
-    QTest::newRow("stored session lapsed")
-        << "lapsed"
-        << "connect"
-        << ""
-        << kSignInBox + "Sign-in was refused by the authorization server<br>invalid_grant: The refresh token expired"
-        << "";
-    QTest::newRow("token endpoint failing after the browser")
-        << "none"
-        << "connect"
-        << "failing"
-        << kSignInBox
-               + "The authorization server failed to complete the sign-in<br>temporarily_unavailable: The "
-                 "authorization server is unavailable (injected)"
-        << "";
-    QTest::newRow("token endpoint silent past the time-out")
-        << "none"
-        << "connect"
-        << "silent" << kSignInBox + "Unable to reach the authorization server<br>Operation timed out after "
-        << "";
-    QTest::newRow("server back") << "none"
-                                 << "connect"
-                                 << ""
-                                 << ""
-                                 << "";
-    QTest::newRow("platform certificate untrusted") << "signed in"
-                                                    << "search"
-                                                    << "untrusted"
-                                                    << "Unable to query the record with id= in partition=opendes: "
-                                                       "Search failed: the platform could not be reached: SSL "
-                                                       "certificate problem: "
-                                                    << "";
-    QTest::newRow("token endpoint certificate untrusted, a later run")
-        << "lapsed"
-        << "later run"
-        << "untrusted"
-        << "Unable to reach the authorization server: SSL certificate problem: "
-        << "";
-    const QString rejected = "Unable to fetch record %1: status 401: The access token was rejected (injected)";
+    const auto row = [](const char* tag, const char* session, const char* action, const char* fault,
+                        const QString& said, const QString& later = {}) {
+        QTest::newRow(tag) << QString(session) << QString(action) << QString(fault) << said << later;
+    };
+    const QString unreachable = kSignInBox + "Unable to reach the authorization server<br>";
+    row("token endpoint closed", "lapsed", "connect", "closed", unreachable);
+    row("stored session lapsed", "lapsed", "connect", "",
+        kSignInBox + "Sign-in was refused by the authorization server<br>invalid_grant: The refresh token expired");
+    row("token endpoint failing after the browser", "none", "connect", "failing",
+        kSignInBox
+            + "The authorization server failed to complete the sign-in<br>temporarily_unavailable: The "
+              "authorization server is unavailable (injected)");
+    row("token endpoint silent past the time-out", "none", "connect", "silent",
+        unreachable + "Operation timed out after ");
+    row("server back", "none", "connect", "", "");
+    row("platform certificate untrusted", "signed in", "search", "untrusted",
+        "Unable to query the record with id= in partition=opendes: Search failed: the platform could not be reached: "
+        "SSL certificate problem: ");
+    row("token endpoint certificate untrusted, a later run", "lapsed", "later run", "untrusted",
+        "Unable to reach the authorization server: SSL certificate problem: ");
     // Turned away before and after a renewal: the session is over for the fetches after it.
-    QTest::newRow("token revoked, the renewed one turned away too")
-        << "signed in"
-        << "search"
-        << "revoked" << rejected << "Not signed in to the OSDU platform";
-    QTest::newRow("token and session revoked")
-        << "signed in"
-        << "search"
-        << "session revoked"
-        << "Unable to renew the OSDU access token: invalid_grant: The grant was revoked (injected)"
-        << "Not signed in to the OSDU platform";
+    const QString ended = "Not signed in to the OSDU platform";
+    row("token revoked, the renewed one turned away too", "signed in", "search", "revoked",
+        "Unable to fetch record %1: status 401: The access token was rejected (injected)", ended);
+    row("token and session revoked", "signed in", "search", "session revoked",
+        "Unable to renew the OSDU access token: invalid_grant: The grant was revoked (injected)", ended);
 }
 
 void FaultsOsduTest::faults()
