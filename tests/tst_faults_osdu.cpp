@@ -1,8 +1,9 @@
-// The OSDU page when the platform or its authorization server lets it down: the token endpoint
-// closed, failing or silent, a stored session the server has let lapse, a certificate nobody
-// trusts, and an access token revoked in the middle of a search. Each ends in the library's own
-// words, with Connect or Search ready again and nothing left listening.
-// One initializer per process: the cases follow each other on the same page.
+// The OSDU page when the platform or its authorization server lets it down, one row per
+// (session, action, fault): the token endpoint closed, failing or silent, a stored session the
+// server has let lapse, a certificate nobody trusts, an access token revoked in the middle of a
+// search. Each ends in the library's own words, with Connect or Search ready again and nothing
+// left listening. The process has one initializer; each row sets its provider's session itself,
+// so that a row passes alone and in any order.
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
@@ -32,11 +33,14 @@ using fast::OsduFastInitializer;
 namespace {
 
 constexpr int kDatasets = 6;
+constexpr int kFetched = 3;
 const QString kSignInBox = "Failed to connect to OSDU environment: ";
+const QStringList kStoredSession = {"AWS/OSDU_REFRESH_TOKEN", "AWS/OSDU_REFRESH_TOKEN_HASH",
+                                    "AWS/OSDU_REFRESH_TOKEN_EXPIRY"};
 
 QString storedToken()
 {
-    return QSettings().value("AWS/OSDU_REFRESH_TOKEN").toString();
+    return QSettings().value(kStoredSession.first()).toString();
 }
 
 } // namespace
@@ -47,33 +51,30 @@ class FaultsOsduTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void tokenEndpointWithItsPortClosed();
-    void aStoredSessionTheServerLetLapseIsRefusedThenForgotten();
-    void tokenEndpointFailingOrSilentAfterTheBrowser_data();
-    void tokenEndpointFailingOrSilentAfterTheBrowser();
-    void signInSucceedsOnceTheServerIsBack();
-    void anUntrustedCertificateIsRefused_data();
-    void anUntrustedCertificateIsRefused();
-    void aTokenRevokedInTheMiddleOfASearch_data();
-    void aTokenRevokedInTheMiddleOfASearch();
+    void init();
+    void cleanup();
+    void faults_data();
+    void faults();
 
 private:
     // Presses Connect and answers the box the sign-in ends with: "title: text".
     QString connectAndReadTheBox();
 
+    emulator::OsduEmulatorOptions m_options;
     std::unique_ptr<FastEmulatorFixture> m_fast;
     std::unique_ptr<OsduEmulator> m_osdu;
+    std::shared_ptr<osdu::OsduAuthProvider> m_provider;
     std::unique_ptr<fast::OsduWidget> m_page;
     SignInWatch m_browser;
     QString m_lapsedToken;
+    QList<QVariant> m_storedSession;
 };
 
 void FaultsOsduTest::initTestCase()
 {
     m_fast = std::make_unique<FastEmulatorFixture>();
-    emulator::OsduEmulatorOptions options;
-    options.announceRefreshTokenLifetime = false;
-    m_osdu = startOsduEmulator(m_fast->settings(), options, kDatasets);
+    m_options.announceRefreshTokenLifetime = false;
+    m_osdu = startOsduEmulator(m_fast->settings(), m_options, kDatasets);
 
     // An earlier run signed in; the server's refresh tokens last less than the 30 days the panel
     // assumes when it is not told, so the stored session looks good but is dead.
@@ -88,10 +89,44 @@ void FaultsOsduTest::initTestCase()
     m_osdu->setRefreshTokenLifetime(std::chrono::hours(24));
     m_lapsedToken = storedToken();
     QVERIFY(!m_lapsedToken.isEmpty());
+    for (const QString& key : kStoredSession)
+        m_storedSession << QSettings().value(key);
+    m_provider = OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider();
+    m_provider->setBrowserOpener(m_browser.opener(testBrowser()));
+}
 
+void FaultsOsduTest::init()
+{
+    QFETCH(QString, session);
+    for (int i = 0; i < kStoredSession.size(); ++i)
+        QSettings().setValue(kStoredSession.at(i), m_storedSession.at(i));
+    // The provider as the initializer makes it, holding the lapsed session or none.
+    osdu::OsduAuthProviderInitParams params;
+    params.clientId = m_options.clientId;
+    params.clientSecret = m_options.clientSecret;
+    params.oauthUrl = m_osdu->authorizeUrl();
+    params.oauthTokenUrl = m_osdu->tokenUrl();
+    params.scope = "openid email";
+    params.callbackUrl = "http://127.0.0.1";
+    params.callbackPort = 0;
+    params.refreshToken = session == "lapsed" ? m_lapsedToken.toStdString() : std::string();
+    m_provider->initialize(params);
     m_page = std::make_unique<fast::OsduWidget>(m_fast->client(), m_fast->projectDir());
-    const auto initializer = OsduFastInitializer::instance(OsduFastInitializer::AWS);
-    initializer->authProvider()->setBrowserOpener(m_browser.opener(testBrowser()));
+    if (session == "signed in") {
+        QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), kSignInLimitMs);
+    }
+}
+
+void FaultsOsduTest::cleanup()
+{
+    m_osdu->clearFaults();
+    if (!m_osdu->isRunning())
+        m_osdu->start();
+    m_fast->settings().remove("FAST", "OSDU_AUTHENTICATION_TIMEOUT");
+    m_fast->settings().remove("AWS", "OSDU_FETCH_CONCURRENCY");
+    m_fast->settings().set("AWS", "OSDU_BASE_URL", q(m_osdu->baseUrl()));
+    m_page.reset();
 }
 
 QString FaultsOsduTest::connectAndReadTheBox()
@@ -103,187 +138,153 @@ QString FaultsOsduTest::connectAndReadTheBox()
     return boxes.summaries().join('\n');
 }
 
-void FaultsOsduTest::tokenEndpointWithItsPortClosed()
+void FaultsOsduTest::faults_data()
 {
-    const unsigned short port = m_osdu->port();
-    m_osdu->stop();
-    EventBusRecorder bus;
-    const QString box = connectAndReadTheBox();
-    m_osdu->start();
+    QTest::addColumn<QString>("session");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("fault");
+    // What the user is told first; for a search, what the fetches after the first refusal say.
+    QTest::addColumn<QString>("said");
+    QTest::addColumn<QString>("later");
 
-    QVERIFY2(box.startsWith(kSignInBox + "Unable to reach the authorization server<br>"), qPrintable(box));
-    QVERIFY2(box.contains(QString("port %1").arg(port)), qPrintable(box));
-    QCOMPARE(bus.texts(Information), QStringList{"OSDU Authentication: Signing in with the stored session"});
-    QCOMPARE(bus.texts(Trace), QStringList{"FAST OSDU authentication error 365 : " + box.mid(kSignInBox.size())});
-    QCOMPARE(m_browser.opened(), 0);
-    QVERIFY(connectButton(*m_page)->isEnabled());
-    // Unreachable is not refused: the session is kept for when the server is back.
-    QCOMPARE(OsduFastInitializer::currentInstance()->authProvider()->refreshToken(), m_lapsedToken);
-}
-
-void FaultsOsduTest::aStoredSessionTheServerLetLapseIsRefusedThenForgotten()
-{
-    const QString box = connectAndReadTheBox();
-    QCOMPARE(box, kSignInBox
-                      + "Sign-in was refused by the authorization server<br>invalid_grant: The refresh token expired");
-    QCOMPARE(m_browser.opened(), 0);
-    QVERIFY(connectButton(*m_page)->isEnabled());
-    // Forgotten by the provider, so the next Connect opens the browser (the cases below); the
-    // record itself stays until a sign-in replaces it.
-    QVERIFY(OsduFastInitializer::currentInstance()->authProvider()->refreshToken().isEmpty());
-    QCOMPARE(storedToken(), m_lapsedToken);
-}
-
-void FaultsOsduTest::tokenEndpointFailingOrSilentAfterTheBrowser_data()
-{
-    QTest::addColumn<bool>("silent");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("failing") << false
-                             << "The authorization server failed to complete the sign-in<br>temporarily_unavailable: "
-                                "The authorization server is unavailable (injected)";
-    QTest::newRow("silent past the time-out")
-        << true << "Unable to reach the authorization server<br>Operation timed out after ";
-}
-
-void FaultsOsduTest::tokenEndpointFailingOrSilentAfterTheBrowser()
-{
-    QFETCH(bool, silent);
-    QFETCH(QString, message);
-    constexpr int kSilenceMs = 4000;
-    if (silent) {
-        m_osdu->setDelay("/oauth2/token", kSilenceMs);
-        m_fast->settings().set("FAST", "OSDU_AUTHENTICATION_TIMEOUT", "1");
-    } else {
-        m_osdu->setTokenFault(emulator::TokenFault::Fail);
-    }
-    const int opened = m_browser.opened();
-    QElapsedTimer clock;
-    clock.start();
-    const QString box = connectAndReadTheBox();
-    const qint64 elapsedMs = clock.elapsed();
-    m_osdu->clearFaults();
-    m_fast->settings().remove("FAST", "OSDU_AUTHENTICATION_TIMEOUT");
-
-    QVERIFY2(box.startsWith(kSignInBox + message), qPrintable(box));
-    QCOMPARE(m_browser.opened(), opened + 1);
-    if (silent)
-        QVERIFY2(elapsedMs < kSilenceMs, "the time-out, not the server, ended the wait");
-    QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
-    QVERIFY(connectButton(*m_page)->isEnabled());
-    QCOMPARE(storedToken(), m_lapsedToken);
-}
-
-void FaultsOsduTest::signInSucceedsOnceTheServerIsBack()
-{
-    QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), 15000);
-    QVERIFY(storedToken() != m_lapsedToken && !storedToken().isEmpty());
-    // Not told how long the new session lasts, the panel assumes 30 days.
-    const QDateTime expiry = QSettings().value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime();
-    QVERIFY(qAbs(QDateTime::currentDateTime().secsTo(expiry) - qint64(30) * 24 * 3600) < 60);
-    QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
-}
-
-void FaultsOsduTest::anUntrustedCertificateIsRefused_data()
-{
-    QTest::addColumn<bool>("platform");
-    QTest::addColumn<QString>("failure");
-    QTest::newRow("the platform") << true
-                                  << "Unable to query the record with id= in partition=opendes: Search failed: the "
-                                     "platform could not be reached: SSL certificate problem: ";
-    QTest::newRow("the authorization server")
-        << false << "Unable to reach the authorization server: SSL certificate problem: ";
-}
-
-void FaultsOsduTest::anUntrustedCertificateIsRefused()
-{
-    QFETCH(bool, platform);
-    QFETCH(QString, failure);
-    UntrustedTlsServer tls;
-    QVERIFY2(tls.start(), qPrintable(tls.failure()));
-    EventBusRecorder bus;
-    QString said;
-    if (platform) {
-        m_fast->settings().set("AWS", "OSDU_BASE_URL", tls.url());
-        searchInput(*m_page)->initialize(); // as the page does after each sign-in
-        QVERIFY(search(*m_page));
-        m_fast->settings().set("AWS", "OSDU_BASE_URL", q(m_osdu->baseUrl()));
-        searchInput(*m_page)->initialize();
-        QCOMPARE(resultLabel(*m_page), "No result");
-        QVERIFY(!QApplication::overrideCursor());
-        said = bus.texts(Trace).filter("Unable to query the record").join('\n');
-    } else {
-        // A later run whose stored session goes to a token endpoint it must not trust.
-        m_fast->settings().set("AWS", "OSDU_OAUTH_TOKEN_URL", tls.url() + "/oauth2/token");
-        OsduFastInitializer later(OsduFastInitializer::AWS);
-        m_fast->settings().set("AWS", "OSDU_OAUTH_TOKEN_URL", q(m_osdu->tokenUrl()));
-        bool opened = false;
-        later.authProvider()->setBrowserOpener(forbiddenBrowser(&opened));
-        QSignalSpy failed(later.authProvider().get(), &osdu::OsduAuthProvider::error);
-        QVERIFY(later.authProvider()->authorizeAsync(kSignInLimitMs));
-        QVERIFY(failed.wait(2 * kSignInLimitMs));
-        QVERIFY(!opened);
-        said = failed.at(0).at(0).toString() + ": " + failed.at(0).at(1).toString();
-    }
-    QVERIFY2(said.startsWith(failure), qPrintable(said));
-    QVERIFY2(said.contains(QRegularExpression("self.signed certificate$")), qPrintable(said));
-    QVERIFY(tls.connections() > 0);
-    QCOMPARE(tls.requestBytes(), QByteArray());
-}
-
-void FaultsOsduTest::aTokenRevokedInTheMiddleOfASearch_data()
-{
-    QTest::addColumn<bool>("sessionRevoked");
-    QTest::addColumn<QString>("firstFailure");
-    QTest::addColumn<QString>("laterFailure");
-    const QString rejected = "Unable to fetch record %1: status 401: The access token was rejected (injected)";
+    const auto row = [](const char* tag, const char* session, const char* action, const char* fault,
+                        const QString& said, const QString& later = {}) {
+        QTest::newRow(tag) << QString(session) << QString(action) << QString(fault) << said << later;
+    };
+    const QString unreachable = kSignInBox + "Unable to reach the authorization server<br>";
+    row("token endpoint closed", "lapsed", "connect", "closed", unreachable);
+    row("stored session lapsed", "lapsed", "connect", "",
+        kSignInBox + "Sign-in was refused by the authorization server<br>invalid_grant: The refresh token expired");
+    row("token endpoint failing after the browser", "none", "connect", "failing",
+        kSignInBox
+            + "The authorization server failed to complete the sign-in<br>temporarily_unavailable: The "
+              "authorization server is unavailable (injected)");
+    row("token endpoint silent past the time-out", "none", "connect", "silent",
+        unreachable + "Operation timed out after ");
+    row("server back", "none", "connect", "", "");
+    row("platform certificate untrusted", "signed in", "search", "untrusted",
+        "Unable to query the record with id= in partition=opendes: Search failed: the platform could not be reached: "
+        "SSL certificate problem: ");
+    row("token endpoint certificate untrusted, a later run", "lapsed", "later run", "untrusted",
+        "Unable to reach the authorization server: SSL certificate problem: ");
     // Turned away before and after a renewal: the session is over for the fetches after it.
-    QTest::newRow("renewed token turned away too") << false << rejected << "Not signed in to the OSDU platform";
-    QTest::newRow("session revoked as well")
-        << true << "Unable to renew the OSDU access token: invalid_grant: The grant was revoked (injected)"
-        << "Not signed in to the OSDU platform";
+    const QString ended = "Not signed in to the OSDU platform";
+    row("token revoked, the renewed one turned away too", "signed in", "search", "revoked",
+        "Unable to fetch record %1: status 401: The access token was rejected (injected)", ended);
+    row("token and session revoked", "signed in", "search", "session revoked",
+        "Unable to renew the OSDU access token: invalid_grant: The grant was revoked (injected)", ended);
 }
 
-void FaultsOsduTest::aTokenRevokedInTheMiddleOfASearch()
+void FaultsOsduTest::faults()
 {
-    QFETCH(bool, sessionRevoked);
-    QFETCH(QString, firstFailure);
-    QFETCH(QString, laterFailure);
-    constexpr int kFetched = 3;
-    const std::shared_ptr<osdu::OsduAuthProvider> provider = OsduFastInitializer::currentInstance()->authProvider();
-    if (connectButton(*m_page)->isEnabled()) { // the row before ended the session
-        QSignalSpy authorized(provider.get(), &osdu::OsduAuthProvider::userAuthorized);
-        QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
-        QVERIFY(authorized.wait(kSignInLimitMs));
-    }
-    provider->accessToken(); // a fresh one: the search starts signed in whatever came before
-    // Which fetches the server still answers depends on their order: one at a time here.
-    m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", "1");
-    m_osdu->rejectDataRequests(OsduEmulator::kEveryRequest, 1 + kFetched); // the query, then the first fetches
-    if (sessionRevoked)
-        m_osdu->setTokenFault(emulator::TokenFault::Refuse);
-    const int grants = m_osdu->issuedTokens().refreshGrants;
+    QFETCH(QString, session);
+    QFETCH(QString, action);
+    QFETCH(QString, fault);
+    QFETCH(QString, said);
+    QFETCH(QString, later);
     EventBusRecorder bus;
-    MessageBoxAnswerer boxes;
-    QVERIFY(search(*m_page));
-    m_osdu->clearFaults();
+    const int opened = m_browser.opened();
+    const unsigned short port = m_osdu->port();
+    constexpr int kSilenceMs = 4000;
+    if (fault == "closed")
+        m_osdu->stop();
+    else if (fault == "failing")
+        m_osdu->setTokenFault(emulator::TokenFault::Fail);
+    else if (fault == "silent")
+        m_osdu->setDelay("/oauth2/token", kSilenceMs);
+    if (fault == "silent")
+        m_fast->settings().set("FAST", "OSDU_AUTHENTICATION_TIMEOUT", "1");
 
-    QCOMPARE(resultLabel(*m_page), QString("%1 result(s) found").arg(kFetched));
-    QCOMPARE(resultNames(*m_page), QStringList({"Volume 0001", "Volume 0002", "Volume 0003"}));
-    QStringList expected;
-    for (int number = kFetched + 1; number <= kDatasets; ++number) {
-        const QString id = q(m_osdu->seededDatasetId(number));
-        const QString why = QString(number == kFetched + 1 ? firstFailure : laterFailure).replace("%1", id);
-        expected << "FAST FileCollectionSearch performSearch exception 97"
-                 << QString("Unable to query the record with id=%1 in partition=opendes: %2").arg(id, why);
+    if (action == "connect" && !said.isEmpty()) {
+        QElapsedTimer clock;
+        clock.start();
+        const QString box = connectAndReadTheBox();
+        QVERIFY2(box.startsWith(said), qPrintable(box));
+        QVERIFY(connectButton(*m_page)->isEnabled());
+        if (fault == "silent")
+            QVERIFY2(clock.elapsed() < kSilenceMs, "the time-out, not the server, ended the wait");
+        // A sign-in that started keeps the stored session until another one replaces it.
+        QCOMPARE(storedToken(), m_lapsedToken);
+        QCOMPARE(m_browser.opened(), opened + (session == "none"));
+        if (session == "none")
+            QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
+        if (fault == "closed") {
+            QVERIFY2(box.contains(QString("port %1").arg(port)), qPrintable(box));
+            QCOMPARE(bus.texts(Information), QStringList{"OSDU Authentication: Signing in with the stored session"});
+            QCOMPARE(bus.texts(Trace),
+                     QStringList{"FAST OSDU authentication error 365 : " + box.mid(kSignInBox.size())});
+            // Unreachable is not refused: the session is kept for when the server is back.
+            QCOMPARE(m_provider->refreshToken(), m_lapsedToken);
+        } else if (session == "lapsed") {
+            // Forgotten by the provider, so that the next Connect opens the browser.
+            QVERIFY(m_provider->refreshToken().isEmpty());
+        }
+    } else if (action == "connect") {
+        QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), 15000);
+        QVERIFY(storedToken() != m_lapsedToken && !storedToken().isEmpty());
+        // Not told how long the new session lasts, the panel assumes 30 days.
+        const QDateTime expiry = QSettings().value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime();
+        QVERIFY(qAbs(QDateTime::currentDateTime().secsTo(expiry) - qint64(30) * 24 * 3600) < 60);
+        QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
+    } else if (fault == "untrusted") {
+        UntrustedTlsServer tls;
+        QVERIFY2(tls.start(), qPrintable(tls.failure()));
+        QString told;
+        if (action == "search") {
+            m_fast->settings().set("AWS", "OSDU_BASE_URL", tls.url());
+            searchInput(*m_page)->initialize(); // as the page does after each sign-in
+            QVERIFY(search(*m_page));
+            QCOMPARE(resultLabel(*m_page), "No result");
+            QVERIFY(!QApplication::overrideCursor());
+            told = bus.texts(Trace).filter("Unable to query the record").join('\n');
+        } else {
+            // A later run whose stored session goes to a token endpoint it must not trust.
+            m_fast->settings().set("AWS", "OSDU_OAUTH_TOKEN_URL", tls.url() + "/oauth2/token");
+            OsduFastInitializer laterRun(OsduFastInitializer::AWS);
+            m_fast->settings().set("AWS", "OSDU_OAUTH_TOKEN_URL", q(m_osdu->tokenUrl()));
+            bool browserOpened = false;
+            laterRun.authProvider()->setBrowserOpener(forbiddenBrowser(&browserOpened));
+            QSignalSpy failed(laterRun.authProvider().get(), &osdu::OsduAuthProvider::error);
+            QVERIFY(laterRun.authProvider()->authorizeAsync(kSignInLimitMs));
+            QVERIFY(failed.wait(2 * kSignInLimitMs));
+            QVERIFY(!browserOpened);
+            told = failed.at(0).at(0).toString() + ": " + failed.at(0).at(1).toString();
+        }
+        QVERIFY2(told.startsWith(said), qPrintable(told));
+        QVERIFY2(told.contains(QRegularExpression("self.signed certificate$")), qPrintable(told));
+        QVERIFY(tls.connections() > 0);
+        QCOMPARE(tls.requestBytes(), QByteArray());
+    } else {
+        m_provider->accessToken(); // a fresh one: the search starts signed in
+        // Which fetches the server still answers depends on their order: one at a time here.
+        m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", "1");
+        m_osdu->rejectDataRequests(OsduEmulator::kEveryRequest, 1 + kFetched); // the query, then the first fetches
+        if (fault == "session revoked")
+            m_osdu->setTokenFault(emulator::TokenFault::Refuse);
+        const int grants = m_osdu->issuedTokens().refreshGrants;
+        MessageBoxAnswerer boxes;
+        QVERIFY(search(*m_page));
+        m_osdu->clearFaults();
+
+        QCOMPARE(resultLabel(*m_page), QString("%1 result(s) found").arg(kFetched));
+        QCOMPARE(resultNames(*m_page), QStringList({"Volume 0001", "Volume 0002", "Volume 0003"}));
+        QStringList expected;
+        for (int number = kFetched + 1; number <= kDatasets; ++number) {
+            const QString id = q(m_osdu->seededDatasetId(number));
+            expected << "FAST FileCollectionSearch performSearch exception 97"
+                     << QString("Unable to query the record with id=%1 in partition=opendes: %2")
+                            .arg(id, QString(number == kFetched + 1 ? said : later).replace("%1", id));
+        }
+        QCOMPARE(bus.texts(Trace).filter(QRegularExpression("^(FAST FileCollectionSearch|Unable to query)")), expected);
+        // A refused fetch renews the token once and tries once more.
+        QCOMPARE(m_osdu->issuedTokens().refreshGrants - grants, fault == "session revoked" ? 0 : 1);
+        QCOMPARE(boxes.summaries(), QStringList("OSDU session ended: The OSDU™ Data Platform session has ended. Press "
+                                                "« Connect » to sign in again."));
+        QVERIFY(connectButton(*m_page)->isEnabled());
+        QVERIFY(searchButton(*m_page)->isEnabled() && searchInput(*m_page)->isEnabled()
+                && !QApplication::overrideCursor());
     }
-    QCOMPARE(bus.texts(Trace).filter(QRegularExpression("^(FAST FileCollectionSearch|Unable to query)")), expected);
-    // A refused fetch renews the token once and tries once more.
-    QCOMPARE(m_osdu->issuedTokens().refreshGrants - grants, sessionRevoked ? 0 : 1);
-    QCOMPARE(boxes.summaries(), QStringList("OSDU session ended: The OSDU™ Data Platform session has ended. Press « "
-                                            "Connect » to sign in again."));
-    QVERIFY(connectButton(*m_page)->isEnabled());
-    QVERIFY(searchButton(*m_page)->isEnabled() && searchInput(*m_page)->isEnabled() && !QApplication::overrideCursor());
 }
 
 QTEST_MAIN(FaultsOsduTest)

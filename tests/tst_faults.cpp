@@ -1,0 +1,595 @@
+// Every action of the panel's pages while FAST misbehaves on the route the action uses. A row with
+// an ending pins what the user is told, word for word, and what follows (a retry, a restart, a
+// project folder that takes no link); the campaign's rows, without one, pair every answer FAST
+// should never send with every route of every action and accept any of the panel's own words.
+// Every row ends with no wait cursor, no modal window and nothing in FAST that the panel does
+// not know of.
+
+#include "EventBusRecorder.h"
+#include "FastEmulatorFixture.h"
+#include "HostileAnswers.h"
+#include "MessageBoxAnswerer.h"
+#include "PanelDriver.h"
+#include "PanelTexts.h"
+#include "PollingThread.h"
+#include "VdsPageSession.h"
+
+#include <fast/fast.h>
+#include <fast/trees/FastTreeModel.h>
+#include <fast/trees/FastTreeView.h>
+
+#include <osdu/FileCollection.h>
+#include <osdu/HttpResponse.h>
+
+#include <Poco/Exception.h>
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Parser.h>
+
+#include <QElapsedTimer>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <tuple>
+
+using emulator::Delivery;
+using emulator::Fault;
+using fast::VdsWidget;
+
+namespace {
+
+// The local page differs from the cloud page only in how the user picks the volume.
+enum PageKind { CloudPage, OsduPage, NoPage };
+const char* const kPageNames[] = {"cloud", "OSDU", ""};
+
+const QString kUrl = QStringLiteral("https://store.example/survey/cube");
+// A record whose registration FAST refused earlier, waiting for a retry: no other mount may take it.
+const std::string kPendingUrl = "https://store.example/survey/pending";
+const std::string kKnownDataset = "https://store.example/osdu/known";
+const std::string kNewDataset = "https://store.example/osdu/new";
+// Cut off in the middle of the second entry.
+const std::string kGarbage = R"([{"id":"1","url":"/data/a.vds"},{"id":)";
+const QString kListingError = QStringLiteral("Unable to parse JSON to get VDS list: %1");
+const QString kListingBox = "Unable to list VDS: " + kListingError;
+const QString kMountFailed = QStringLiteral("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception ");
+const QStringList kMountErrors = {kMountFailed + "occurred while parsing JSON to get volume data from VDS: %3",
+                                  kMountFailed + "occurred: %3",
+                                  kMountFailed + "while parsing JSON to get volume data from VDS: %3",
+                                  kMountFailed + ": %3",
+                                  kMountErrorLine,
+                                  "Bluware FAST™ error : impossible to rename remote file %1.kv"};
+
+// POCO's own words on text read as a listing, which the panel passes on to the user.
+QString complaintAbout(const std::string& text)
+{
+    try {
+        Poco::JSON::Parser().parse(text).extract<Poco::JSON::Array::Ptr>();
+    } catch (const Poco::Exception& failure) {
+        return q(failure.message());
+    }
+    return {};
+}
+
+void addRow(const char* tag, PageKind page, const QString& action, const QString& route, const Fault& fault,
+            const QStringList& told, const QStringList& logged, const QString& ending)
+{
+    QTest::newRow(tag) << int(page) << action << route << fault << told << logged << ending;
+}
+
+// Every hostile answer on each route of one action, with the boxes and errors it may end in;
+// ten megabytes once per action.
+void addPairs(PageKind page, const QString& action, std::initializer_list<const char*> routes,
+              const QStringList& told = {}, const QStringList& errors = {})
+{
+    for (const char* route : routes) {
+        for (const auto& [name, fault] : hostileAnswers()) {
+            if (qstrcmp(name, kTenMegabytes) == 0 && route != *routes.begin())
+                continue;
+            const QString tag = QString("%1 %2 %3: %4").arg(kPageNames[page], action, route, name).simplified();
+            QTest::newRow(qPrintable(tag))
+                << int(page) << action << route << fault << told
+                << QStringList(errors).replaceInStrings(QRegularExpression("^"), "error: ") << QString();
+        }
+    }
+}
+
+// The patterns of one kind ("error", "info", "trace") among the row's logged lines.
+QStringList logged(const QStringList& lines, const QString& kind, const QString& baseUrl)
+{
+    QStringList patterns;
+    for (const QString& line : lines) {
+        if (line.startsWith(kind + ": "))
+            patterns << line.mid(kind.size() + 2).replace("%u", baseUrl);
+    }
+    return patterns;
+}
+
+bool madeFromEach(const QStringList& texts, const QStringList& patterns)
+{
+    for (int i = 0; i < texts.size(); ++i) {
+        if (i >= patterns.size() || !madeFrom(texts.at(i), patterns.at(i)))
+            return false;
+    }
+    return texts.size() == patterns.size();
+}
+
+// What the user was told and what was logged, against the row: word for word in order when it
+// has an ending, else each made from one of its patterns. One line per fault.
+QString wrongWords(const MessageBoxAnswerer& boxes, const EventBusRecorder& bus, const QString& baseUrl, bool poll)
+{
+    QFETCH(QStringList, told);
+    QFETCH(QStringList, logged);
+    QFETCH(QString, ending);
+    QStringList wrong;
+    const auto check = [&](const QString& what, const QStringList& texts, const QStringList& patterns) {
+        if (!ending.isEmpty() && !madeFromEach(texts, patterns))
+            wrong << what + ": " + texts.join(" | ").left(600);
+        for (const QString& text : ending.isEmpty() ? madeFromNone(texts, patterns) : QStringList())
+            wrong << what + ": " + text.left(300);
+    };
+    check("box", boxes.summaries(), told);
+    check("error", bus.texts(Error), ::logged(logged, "error", baseUrl));
+    const QStringList traces = ::logged(logged, "trace", baseUrl);
+    if (!ending.isEmpty()) {
+        check("information", bus.texts(Information), ::logged(logged, "info", baseUrl));
+        // The status calls keep the log quiet unless they fail.
+        if (poll)
+            check("trace", bus.texts(Trace), traces);
+        const QStringList actual = bus.texts(Trace);
+        for (const QString& trace : poll ? QStringList() : traces) {
+            if (std::none_of(actual.begin(), actual.end(), [&trace](const QString& t) { return madeFrom(t, trace); }))
+                wrong << "trace missing: " + trace;
+        }
+    }
+    return wrong.join('\n');
+}
+
+std::shared_ptr<osdu::StorageRecord> dataset(const std::string& name, const std::string& url)
+{
+    return std::make_shared<osdu::FileCollection>("opendes:dataset--FileCollection.Bluware.OpenVDS:" + name,
+                                                  "osdu:wks:dataset--FileCollection.Bluware.OpenVDS:1.0.0", "{}", name,
+                                                  "about " + name, osdu::DatasetProperties{url + "/", {}});
+}
+
+const auto kResults = std::make_shared<osdu::StorageRecordCollection>(
+    osdu::StorageRecordCollection{dataset("known", kKnownDataset), dataset("new", kNewDataset)});
+
+// A page of either kind over the fixture's emulator, connected and shown; the OSDU page shows
+// both datasets, and mounts the one FAST does not know yet.
+struct AnyPage
+{
+    AnyPage(FastEmulatorFixture& fixture, int kind, const QString& projectDir)
+        : url(kind == CloudPage ? kUrl : q(kNewDataset)), projectDir(projectDir)
+    {
+        if (kind == CloudPage)
+            vds = std::make_unique<VdsPageSession>(fixture, VdsWidget::CLOUD_URL, projectDir);
+        if (kind != OsduPage)
+            return;
+        osdu = std::make_unique<fast::OsduWidget>(fixture.client(), projectDir);
+        osdu->setConnectedToFast(true);
+        osdu->show();
+        osdu->onSearchDone(kResults);
+    }
+
+    fast::FastWidget* widget() const { return vds ? static_cast<fast::FastWidget*>(&vds->widget) : osdu.get(); }
+    fast::FastTreeModel& tree() const { return *widget()->treeView()->model(); }
+    std::optional<fast::VdsModel> record(const std::string& url) const
+    {
+        for (const fast::VdsModel& record : tree().vdsList()) {
+            if (record.url == url)
+                return record;
+        }
+        return std::nullopt;
+    }
+
+    void startMount()
+    {
+        if (vds)
+            return vds->startMount(url);
+        if (const auto found = record(url.toStdString()))
+            osdu->onMountVds(projectDir, *found);
+    }
+
+    QString url;
+    QString projectDir;
+    std::unique_ptr<VdsPageSession> vds;
+    std::unique_ptr<fast::OsduWidget> osdu;
+};
+
+} // namespace
+
+class FaultsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { m_fixture = std::make_unique<FastEmulatorFixture>(); }
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void faults_data();
+    void faults();
+
+private:
+    // What FAST holds beyond base that the tree has no id for (no tree: anything new), and any
+    // request on a bare collection: what the panel can no longer undo, or must never ask.
+    QString leftInFast(const QStringList& base, const fast::FastTreeModel* tree) const;
+
+    int m_pairs = 0;
+    // One emulator for all rows: stopping one takes a quarter of a second.
+    std::unique_ptr<FastEmulatorFixture> m_fixture;
+    // A fresh folder per row: links FAST writes late must not meet the next row's mount.
+    std::unique_ptr<QTemporaryDir> m_project;
+    // A poller ends only after its five-second sleep: they all end together, at the end.
+    std::vector<std::unique_ptr<PollingThread>> m_pollers;
+};
+
+void FaultsTest::init()
+{
+    emulator::FastEmulator& emulator = m_fixture->emulator();
+    if (!emulator.isRunning())
+        emulator.start();
+    emulator.clearFaults();
+    for (const auto& file : emulator.service().files())
+        emulator.service().handle("DELETE", "/api/v2/file/" + file.id, {});
+    for (const auto& volume : emulator.service().volumes())
+        emulator.service().handle("DELETE", "/api/v2/vds/" + volume.id, {});
+    emulator.clearRequests();
+    m_project = std::make_unique<QTemporaryDir>();
+}
+
+void FaultsTest::cleanup()
+{
+    // A row that left the wait cursor has failed already; the next ones must not fail for it.
+    while (QApplication::overrideCursor())
+        QApplication::restoreOverrideCursor();
+    for (const auto& poller : m_pollers)
+        poller->thread()->requestInterruption();
+}
+
+void FaultsTest::cleanupTestCase()
+{
+    m_pollers.clear();
+    qInfo("hostile-service campaign: %d pairs tried", m_pairs);
+}
+
+QString FaultsTest::leftInFast(const QStringList& base, const fast::FastTreeModel* tree) const
+{
+    QStringList known;
+    for (const fast::VdsModel& record : tree ? tree->vdsList() : QList<fast::VdsModel>()) {
+        known << q(record.vdsId);
+        for (const fast::VdsFile& file : record.files)
+            known << q(file.fileId);
+    }
+    QStringList left;
+    for (const QString& line : m_fixture->holdings()) {
+        if (!base.contains(line) && !known.contains(line.section(' ', 0, 0)))
+            left << line;
+    }
+    for (const QString& request : m_fixture->requestLines().filter(QRegularExpression("^DELETE /api/v2/(vds|file)/$")))
+        left << "asked for " + request;
+    return left.join(", ");
+}
+
+void FaultsTest::faults_data()
+{
+    QTest::addColumn<int>("page");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("route");
+    QTest::addColumn<Fault>("fault");
+    QTest::addColumn<QStringList>("told");
+    QTest::addColumn<QStringList>("logged");
+    // Empty for the campaign's rows; for the status poll, what it reports.
+    QTest::addColumn<QString>("ending");
+
+    // First, so that the pollers' sleeps pass during the other rows.
+    const QString status = "error: Unable to get FAST status: HTTP request failed with status=500";
+    const QString response = "trace: Response from FAST REST API: code=500, body=" + kInjectedBody;
+    addRow("poll: version 500", NoPage, "poll", "GET /api/v2/about", failing(500), {},
+           {status, "trace: Call FAST REST API 43: method=GET, url=%u/api/v2/about", response}, "false true ");
+    addRow("poll: plug-in 500", NoPage, "poll", "GET /api/v2/plugin/Korvane", failing(500), {},
+           {"trace: Call FAST REST API 89: method=GET, url=%u/api/v2/plugin/Korvane", response}, "true false 2.0.0");
+    // No time-out guards a FAST request: a late answer is still a good one.
+    addRow("poll: version 2 s late", NoPage, "poll", "GET /api/v2/about", Fault{std::nullopt, 2000, std::nullopt}, {},
+           {}, "true true 2.0.0");
+    addPairs(NoPage, "poll", {"GET /api/v2/about", "GET /api/v2/plugin/"}, {},
+             {"Unable to get FAST status: HTTP request failed with status=%1",
+              "Unable to parse JSON to get FAST version: %1"});
+
+    // The listing: a broken one empties the page and says why; one lost on the wire reads as empty.
+    const auto listing = [](const char* tag, const char* route, const Fault& fault, const std::string& body,
+                            const QString& site) {
+        const QString complaint = complaintAbout(body);
+        addRow(tag, CloudPage, "list", route, fault, {kListingBox.arg(complaint)},
+               {"error: " + kListingError.arg(complaint), "trace: FAST VDS init " + site}, "empty");
+    };
+    listing("list: volumes 500", "GET /api/v2/vds/", failing(500), kInjectedBody.toStdString(), "exception 372");
+    listing("list: files not JSON", "GET /api/v2/file/", answering(kGarbage), kGarbage, "JSONException 365");
+    for (const auto& [tag, route, delivery] :
+         {std::tuple("list: volumes cut short", "GET /api/v2/vds/", Delivery::TruncatedBody),
+          std::tuple("list: files reset", "GET /api/v2/file/", Delivery::ResetConnection)})
+        addRow(tag, CloudPage, "list", route, broken(delivery), {},
+               {"trace: Response from FAST REST API: code=0, body="}, "empty");
+    addPairs(CloudPage, "list", {"GET /api/v2/file/", "GET /api/v2/vds/"}, {kListingBox}, {kListingError});
+
+    // A registration FAST refused keeps the record without an id, and the next click retries.
+    const QString refusal = "info: Unable to register VDS (url=" + kUrl + ") in Bluware FAST™";
+    const QString unexpected = refusal + ". Unexpected error code: ";
+    for (const auto& [tag, fault, note] :
+         {std::tuple("mount: registration 200 without id", Fault{200, 0, std::string()}, refusal + " with empty id!"),
+          std::tuple("mount: registration 405", failing(405), refusal + ": invalid parameters."),
+          std::tuple("mount: registration 409", failing(409),
+                     "info: VDS (url=" + kUrl + ") already registered in Bluware FAST™."),
+          std::tuple("mount: registration 500", failing(500), unexpected + "500."),
+          // Reset before FAST saw the request: the next click registers anew.
+          std::tuple("mount: registration reset", broken(Delivery::ResetConnection), unexpected + "0.")})
+        addRow(tag, CloudPage, "mount", "POST /api/v2/vds/", fault, {kRegistrationBox}, {note}, "retry");
+    const QString registered = "info: Successfully registered VDS (url=" + kUrl + ") in Bluware FAST™ with id=%9.";
+    // An answer that names no id, after FAST registered: the id is read from FAST's listing.
+    addRow("mount: registration cut short", CloudPage, "mount", "POST /api/v2/vds/", broken(Delivery::TruncatedBody),
+           {}, {registered}, "dialog");
+    addRow("mount: registration answered with a page", CloudPage, "mount", "POST /api/v2/vds/",
+           answering("<html>OK</html>"), {}, {registered}, "dialog");
+    // Failures before the dialog unregister only a volume that has an id, and say why.
+    const QString failed = "error: " + QString(kMountFailed).arg(kUrl) + "occurred: ";
+    const QString badJson = "error: " + QString(kMountFailed).arg(kUrl)
+                            + "occurred while parsing JSON to get volume data from VDS: ";
+    const QString other = "trace: FAST VDS onMountVds exception 277";
+    const QString syntax = "trace: FAST VDS onMountVds JSONException 261";
+    const QString notANumber = [] {
+        try {
+            return QString::number(std::stoi("deep"));
+        } catch (const std::invalid_argument& failure) {
+            return QString(failure.what());
+        }
+    }();
+    for (const auto& [tag, route, fault, lines] :
+         {std::tuple("mount: lookup file listing 500", "GET /api/v2/file/", failing(500),
+                     QStringList{other, QString(failed).arg("") + complaintAbout(kInjectedBody.toStdString())}),
+          std::tuple("mount: lookup volume listing not JSON", "GET /api/v2/vds/", answering(kGarbage),
+                     QStringList{syntax, QString(badJson).arg("") + complaintAbout(kGarbage)}),
+          std::tuple("mount: description not JSON", "GET /api/v2/plugin/", answering(kGarbage),
+                     QStringList{registered, syntax, badJson + complaintAbout(kGarbage)}),
+          std::tuple("mount: description bound not a number", "GET /api/v2/plugin/",
+                     answering(R"({"properties":{"subvolume":{"properties":{"dim0":{"properties":{"min":)"
+                               R"({"default":"deep"}}}}}}})"),
+                     QStringList{registered, other, failed + notANumber}),
+          std::tuple("mount: description 500", "GET /api/v2/plugin/", failing(500),
+                     QStringList{registered, other,
+                                 failed + "HTTP request failed with status=500, message=" + kInjectedBody}),
+          std::tuple("mount: description reset", "GET /api/v2/plugin/", broken(Delivery::ResetConnection),
+                     QStringList{registered, other, failed + "HTTP request failed with status=0, message="})})
+        addRow(tag, CloudPage, "mount", route, fault, {kMountFailedBox}, lines, "refused");
+    const QStringList refused = {kRegistrationBox, kMountFailedBox};
+    addPairs(CloudPage, "mount", {"GET /api/v2/file/", "GET /api/v2/vds/", "POST /api/v2/vds/", "GET /api/v2/plugin/"},
+             refused, kMountErrors);
+    // The OSDU page takes FAST's ids from the search and looks nothing up before registering.
+    addPairs(OsduPage, "mount", {"POST /api/v2/vds/", "GET /api/v2/plugin/"}, refused, kMountErrors);
+
+    // Save: a refused mount takes the registration along; one that names no file id is read back.
+    for (const auto& [tag, fault, status, body] :
+         {std::tuple("Save: mount 500", failing(500), "500", kInjectedBody),
+          std::tuple("Save: mount reset", broken(Delivery::ResetConnection), "0", QString())})
+        addRow(tag, CloudPage, "Save", "POST /api/v2/file/", fault, {kMountErrorBox.arg(status, body)},
+               {"error: " + kMountErrorLine.arg(status, body)}, "undone");
+    addRow("Save: mount cut short", CloudPage, "Save", "POST /api/v2/file/", broken(Delivery::TruncatedBody), {}, {},
+           "added");
+    addRow("Save: mount answered null", CloudPage, "Save", "POST /api/v2/file/", answering("null"), {}, {}, "added");
+    // Killed while it holds the request: the page lets go; back, FAST still has the volume.
+    Fault killed{std::nullopt, 200, std::nullopt};
+    killed.stopsService = true;
+    addRow("Save: service killed", CloudPage, "Save", "POST /api/v2/file/", killed, {kMountErrorBox.arg("0", "")},
+           {"error: " + kMountErrorLine.arg("0", "")}, "restart");
+    // A file where the project folder should be stops everybody, root and FAST's link included;
+    // the rename gives up after ten seconds of retries.
+    addRow("Save: project folder takes no link", CloudPage, "Save", QString(), Fault{},
+           {kMountErrorBox.arg("200", "%9")}, {"error: Bluware FAST™ error : impossible to rename remote file cube.kv"},
+           "blocked");
+    for (PageKind page : {CloudPage, OsduPage}) {
+        addPairs(page, "Save", {"POST /api/v2/file/"}, {kMountErrorBox}, kMountErrors);
+        // Like the tree's own handlers, a cancel that FAST refuses goes unreported.
+        addPairs(page, "Cancel", {"DELETE /api/v2/vds/"});
+    }
+
+    // The tree's removals go on silently past every refusal; FAST keeps what it refused to drop.
+    for (const char* action : {"unmountVds", "deleteFile"}) {
+        addRow(qPrintable(QString(action) + ": 500"), CloudPage, action, "DELETE /api/v2/", failing(500), {}, {},
+               "kept");
+        addPairs(CloudPage, action, {"DELETE /api/v2/file/", "DELETE /api/v2/vds/"});
+    }
+
+    // The page logs an unreadable listing as a trace, not as an error.
+    addPairs(OsduPage, "search", {"GET /api/v2/vds/", "GET /api/v2/file/"}, {kListingBox});
+}
+
+void FaultsTest::faults()
+{
+    QFETCH(int, page);
+    QFETCH(QString, action);
+    QFETCH(QString, route);
+    QFETCH(Fault, fault);
+    QFETCH(QString, ending);
+    m_pairs += ending.isEmpty();
+    emulator::FastEmulator& emulator = m_fixture->emulator();
+    const bool tree = action == "unmountVds" || action == "deleteFile";
+    const bool mounting = action == "mount" || action == "Save" || action == "Cancel";
+    QString project = m_project->path();
+    if (ending == "blocked") {
+        project += "/locked";
+        QFile blocker(project);
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+    }
+
+    // What FAST holds before the action: a volume for the listing, the search and the tree (with
+    // two files when the volume goes, one when its only file does).
+    const auto client = m_fixture->client();
+    std::string vdsId;
+    std::vector<fast::VdsFile> files;
+    if (action == "list" || action == "search" || tree) {
+        vdsId = client->registerVds(page == OsduPage ? kKnownDataset : kUrl.toStdString())->getMessage();
+        for (const char* name : {"one", "two"}) {
+            if (files.empty() || action == "unmountVds")
+                files.push_back({client->mountFile(vdsId, name, "", 0, 1, 0, 1, 0, 1)->getMessage(), name});
+        }
+    }
+    const QStringList empty = m_fixture->holdings();
+    AnyPage session(*m_fixture, page, project);
+    if (page == CloudPage && mounting)
+        session.vds->model().addVds(fast::VdsModel({}, "pending", {}, {}, {}, kPendingUrl, {}));
+    if (tree)
+        session.vds->widget.init({project + "/one"});
+    if (action == "search")
+        Q_EMIT session.osdu->enableUI(); // as once signed in
+    if (action == "Save" || action == "Cancel") {
+        session.startMount();
+        QTRY_VERIFY(openMountDialog(session.widget()));
+    }
+    const QStringList before = m_fixture->holdings();
+    std::unique_ptr<QSignalSpy> added, removed;
+    if (page != NoPage) {
+        added = std::make_unique<QSignalSpy>(session.widget(), &fast::FastWidget::addToExtraDataManager);
+        removed = std::make_unique<QSignalSpy>(session.widget(), &fast::FastWidget::removeVdsFileFromProject);
+    }
+    emulator.clearRequests();
+    if (!route.isEmpty())
+        emulator.setFault(route.section(' ', 0, 0).toStdString(), route.section(' ', 1).toStdString(), fault);
+    EventBusRecorder bus;
+    MessageBoxAnswerer boxes;
+    QElapsedTimer clock;
+    clock.start();
+
+    if (action == "poll") {
+        m_pollers.push_back(std::make_unique<PollingThread>(client));
+        const QStringList& results = m_pollers.back()->results;
+        QTRY_COMPARE_WITH_TIMEOUT(results.size(), 1, fault.delayMs + 10000);
+        m_pollers.back()->thread()->requestInterruption();
+        if (ending.isEmpty())
+            QVERIFY2(QRegularExpression("^(true|false) (true|false) ").match(results.first()).hasMatch(),
+                     qPrintable(results.first().left(100)));
+        else
+            QCOMPARE(results.first(), ending);
+    } else if (action == "list") {
+        session.vds->widget.init({project + "/one"});
+    } else if (action == "search") {
+        // Without a session the search ends at once, with no hits, through the same completion
+        // that then brings the hits of a real one.
+        QTest::mouseClick(searchButton(*session.osdu), Qt::LeftButton);
+        session.osdu->onSearchDone(kResults);
+    } else if (tree) {
+        // As the tree's context menu asks.
+        if (action == "unmountVds")
+            Q_EMIT session.widget()->treeView()->unmountVds(vdsId, files);
+        else
+            Q_EMIT session.widget()->treeView()->deleteFile(vdsId, files.front());
+    } else if (action == "mount") {
+        session.startMount();
+    } else {
+        answerMountDialog(session.widget(), "cube", action);
+        if (ending == "blocked") {
+            // Closing meanwhile would tell the page that nothing was mounted while FAST holds the file.
+            fast::MountNewVolume* dialog = openMountDialog(session.widget());
+            QVERIFY(dialog);
+            dialog->reject();
+            QVERIFY(dialog->isVisible());
+            QCOMPARE(saveButton(*dialog)->text(), "Save");
+            QVERIFY(!saveButton(*dialog)->isEnabled());
+        }
+    }
+    if (mounting) {
+        // A link that never comes is waited for ten seconds.
+        QTRY_VERIFY_WITH_TIMEOUT(bool(openMountDialog(session.widget())) == (action == "mount")
+                                     || !boxes.summaries().isEmpty(),
+                                 15000);
+    }
+    const QString wrongWords = ::wrongWords(boxes, bus, q(m_fixture->baseUrl()), action == "poll");
+    QVERIFY2(wrongWords.isEmpty(), qPrintable(wrongWords));
+    QVERIFY2(ending.isEmpty() || clock.elapsed() >= fault.delayMs, qPrintable(QString::number(clock.elapsed())));
+
+    const bool dialogOpened = mounting && openMountDialog(session.widget());
+    if (mounting && ending.isEmpty()) {
+        const bool reached = action == "mount" ? dialogOpened : action == "Save" ? added->size() == 1 : true;
+        QVERIFY2(reached || !boxes.summaries().isEmpty(), "the action ended without its result or a word");
+    }
+    const std::optional<fast::VdsModel> record = page == NoPage ? std::nullopt : session.record(kUrl.toStdString());
+    if (ending == "retry") {
+        // The record stays without an id, so that the next click tries again.
+        QVERIFY(!dialogOpened && record && record->vdsId.empty());
+        emulator.clearFaults();
+        bus.clear();
+        session.startMount();
+        QTRY_VERIFY(openMountDialog(session.widget()));
+        QCOMPARE(bus.texts(Information),
+                 QStringList("Successfully registered VDS (url=" + kUrl
+                             + ") in Bluware FAST™ with id=" + q(emulator.service().volumes().at(0).id) + "."));
+        QCOMPARE(boxes.boxes().size(), 1);
+    } else if (ending == "dialog") {
+        // The page holds the id FAST gave, not what came back in its place.
+        QVERIFY(dialogOpened && record);
+        QCOMPARE(emulator.service().volumes().size(), std::size_t(1));
+        QCOMPARE(q(record->vdsId), q(emulator.service().volumes().at(0).id));
+    } else if (ending == "added") {
+        QCOMPARE(added->size(), 1);
+    } else if (ending == "refused" || ending == "undone" || ending == "blocked" || ending == "restart") {
+        QVERIFY(!dialogOpened && !record);
+        QCOMPARE(added->size(), 0);
+    } else if (ending == "empty") {
+        QCOMPARE(session.tree().vdsCount(), 0);
+    } else if (ending == "kept") {
+        QStringList deletes;
+        for (const fast::VdsFile& file : files)
+            deletes << q("DELETE /api/v2/file/" + file.fileId);
+        QCOMPARE(m_fixture->requestLines(), deletes << q("DELETE /api/v2/vds/" + vdsId));
+        QCOMPARE(m_fixture->holdings(), before);
+    }
+    if (ending == "restart") {
+        QVERIFY(!emulator.isRunning());
+        // Back on the same port with what it held: the volume is found, not registered twice.
+        emulator.clearFaults();
+        emulator.start();
+        QCOMPARE(emulator.service().volumes().size(), std::size_t(1));
+        QVERIFY(emulator.service().files().empty());
+        bus.clear();
+        session.startMount();
+        QTRY_VERIFY(openMountDialog(session.widget()));
+        QCOMPARE(bus.texts(Information),
+                 QStringList("Successfully found a VDS (url=" + kUrl + ") already registered in Bluware FAST™ with id="
+                             + q(emulator.service().volumes().at(0).id) + "."));
+    }
+    if (action == "list" && ending.isEmpty()) {
+        // The volume under FAST's id, or nothing when the listing could not be read.
+        QVERIFY(session.tree().vdsCount() <= 1);
+        QVERIFY(!record || record->vdsId == vdsId);
+    } else if (tree) {
+        QCOMPARE(removed->size(), int(files.size()));
+        QCOMPARE(session.tree().vdsCount(), 0);
+    } else if (action == "search") {
+        const fast::OsduWidget& osdu = *session.osdu;
+        QVERIFY(searchInput(osdu)->isEnabled() && searchButton(osdu)->isEnabled());
+        QCOMPARE(resultNames(osdu), QStringList({"known", "new"}));
+        QCOMPARE(resultLabel(osdu), "2 result(s) found");
+        const std::string known = session.tree().vdsAt(0)->vdsId;
+        QVERIFY(known.empty() || known == vdsId);
+    }
+
+    // A mount that got as far as the dialog is cancelled, which must take its registration along.
+    if (mounting) {
+        answerMountDialog(session.widget(), "", "Cancel");
+        QTRY_VERIFY(!openMountDialog(session.widget()));
+        if (page == CloudPage)
+            QVERIFY(session.record(kPendingUrl));
+    }
+    // A refused cancel or removal may leave what FAST held, but nothing more; a saved file stays,
+    // in the tree.
+    QStringList wrong = {leftInFast(action == "mount" || action == "Save" ? empty : before,
+                                    action == "Save" ? &session.tree() : nullptr)};
+    if (QApplication::overrideCursor())
+        wrong << "override cursor left";
+    if (const QWidget* modal = QApplication::activeModalWidget())
+        wrong << "still open: " + modal->windowTitle();
+    wrong.removeAll(QString());
+    QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join('\n')));
+}
+
+QTEST_MAIN(FaultsTest)
+#include "tst_faults.moc"
