@@ -23,9 +23,17 @@ class OsduConnectTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theAzureIndexSignsInTheAzureWay();
     void aMissingRequiredSettingLeavesTheInitializerUnready();
     void connectWithoutSettingsFailsEveryTime();
 };
+
+void OsduConnectTest::theAzureIndexSignsInTheAzureWay()
+{
+    // The third-party server takes either provider's client authentication: only this tells them apart.
+    TestSettings settings;
+    QCOMPARE(OsduFastInitializer(OsduFastInitializer::Azure).authProvider()->getProviderName(), "Azure");
+}
 
 void OsduConnectTest::aMissingRequiredSettingLeavesTheInitializerUnready()
 {
