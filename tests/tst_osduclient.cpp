@@ -200,28 +200,20 @@ void OsduClientTest::forgedOrMissingStateIsTurnedAwayAndTheSignInGoesOn()
 
 void OsduClientTest::plainHttpIsRefusedOffLoopback_data()
 {
-    QTest::addColumn<QString>("setting");
     QTest::addColumn<QString>("url");
     QTest::addColumn<bool>("refused");
-    QTest::newRow("authorization, remote http") << "OSDU_OAUTH_URL"
-                                                << "http://login.example.com/authorize" << true;
-    QTest::newRow("authorization, a name that only begins like loopback")
-        << "OSDU_OAUTH_URL"
-        << "http://127.0.0.1.example.com/authorize" << true;
-    QTest::newRow("authorization, not http at all") << "OSDU_OAUTH_URL"
-                                                    << "ftp://127.0.0.1/authorize" << true;
-    QTest::newRow("authorization, https") << "OSDU_OAUTH_URL"
-                                          << "https://login.example.com/authorize" << false;
-    QTest::newRow("authorization, localhost") << "OSDU_OAUTH_URL"
-                                              << "http://LocalHost:9/authorize" << false;
-    QTest::newRow("authorization, 127.0.0.0/8") << "OSDU_OAUTH_URL"
-                                                << "http://127.8.9.10:9/authorize" << false;
-    QTest::newRow("authorization, ::1") << "OSDU_OAUTH_URL"
-                                        << "http://[::1]:9/authorize" << false;
-    QTest::newRow("token, remote http") << "OSDU_OAUTH_TOKEN_URL"
-                                        << "http://10.1.2.3/token" << true;
-    QTest::newRow("platform, remote http") << "OSDU_BASE_URL"
-                                           << "http://osdu.example.com" << true;
+    QTest::addColumn<QString>("setting");
+    const QString authorization = "OSDU_OAUTH_URL";
+    QTest::newRow("authorization, remote http") << "http://login.example.com/authorize" << true << authorization;
+    QTest::newRow("authorization, only begins like loopback")
+        << "http://127.0.0.1.example.com/a" << true << authorization;
+    QTest::newRow("authorization, not http at all") << "ftp://127.0.0.1/authorize" << true << authorization;
+    QTest::newRow("authorization, https") << "https://login.example.com/authorize" << false << authorization;
+    QTest::newRow("authorization, localhost") << "http://LocalHost/authorize" << false << authorization;
+    QTest::newRow("authorization, 127.0.0.0/8") << "http://127.8.9.10/authorize" << false << authorization;
+    QTest::newRow("authorization, ::1") << "http://[::1]/authorize" << false << authorization;
+    QTest::newRow("token, remote http") << "http://10.1.2.3/token" << true << "OSDU_OAUTH_TOKEN_URL";
+    QTest::newRow("platform, remote http") << "http://osdu.example.com" << true << "OSDU_BASE_URL";
 }
 
 void OsduClientTest::plainHttpIsRefusedOffLoopback()
@@ -257,14 +249,10 @@ void OsduClientTest::onlyABearerTokenIsTaken_data()
 {
     QTest::addColumn<QString>("tokenType");
     QTest::addColumn<QString>("error");
-    QTest::newRow("bearer, any case") << "bEARer"
-                                      << "";
-    QTest::newRow("another type") << "MAC"
-                                  << "Sign-in failed: the authorization server did not issue a bearer token: "
-                                     "token_type \"MAC\"";
-    QTest::newRow("none") << ""
-                          << "Sign-in failed: the authorization server did not issue a bearer token: "
-                             "its answer has no token_type";
+    const QString notBearer = "Sign-in failed: the authorization server did not issue a bearer token: ";
+    QTest::newRow("bearer, any case") << "bEARer" << QString();
+    QTest::newRow("another type") << "MAC" << notBearer + "token_type \"MAC\"";
+    QTest::newRow("none") << "" << notBearer + "its answer has no token_type";
 }
 
 void OsduClientTest::onlyABearerTokenIsTaken()
@@ -292,10 +280,8 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords_data()
     // Refused and unreachable with a stored session: tst_faults_osdu.
     QTest::newRow("server down") << 1 << "The authorization server failed to complete the sign-in"
                                  << "temporarily_unavailable";
-    QTest::newRow("callback port taken") << 3 << "Unable to listen for the sign-in answer on port"
-                                         << "";
-    QTest::newRow("no browser") << 4 << "Unable to open the web browser for sign-in"
-                                << "";
+    QTest::newRow("callback port taken") << 3 << "Unable to listen for the sign-in answer on port" << QString();
+    QTest::newRow("no browser") << 4 << "Unable to open the web browser for sign-in" << QString();
 }
 
 void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()

@@ -1,6 +1,6 @@
 // The OSDU page end to end: sign-in through a browser played by the test, the refresh token
 // kept for the next run, the search with its filter, and mounting a found dataset through FAST.
-// One initializer per process: the first test signs in, the others build on it.
+// One initializer per process: initTestCase signs in with it, and every case builds on that.
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
@@ -23,7 +23,6 @@
 #include <osdu/OsduAuthProvider.h>
 
 #include <QApplication>
-#include <QCryptographicHash>
 #include <QPushButton>
 #include <QSettings>
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
@@ -37,6 +36,12 @@ namespace {
 
 constexpr int kDatasets = 5;
 
+std::string seededUrl(int number)
+{
+    return fast::modifyVdsFilepath(
+        QString("s3://fast-demo-bucket/volumes/vol-%1/").arg(number, 4, 10, QChar('0')).toStdString());
+}
+
 } // namespace
 
 class OsduPageTest : public QObject
@@ -45,11 +50,9 @@ class OsduPageTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void connectSignsInAndKeepsTheRefreshToken();
     void aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits();
     void aSignInFailureWithoutDetailsShowsTheMessageAlone();
     void searchFiltersByNameDescriptionAndId();
-    void returnRunsWhatTheSearchButtonRuns();
     void platformTextsAreReadAsUtf8OnAnyMachine();
     void fetchesAtOnceTellWhatOneAtATimeTells();
     void aFastListingItCannotReadLeavesTheResultsUnregistered_data();
@@ -65,6 +68,10 @@ private Q_SLOTS:
 
 private:
     void searchFor(const QString& filter);
+    // Clicks the icon in that column of the first result.
+    void clickIcon(int column);
+    // Registers the seeded dataset with FAST and mounts one file of it as name.
+    void mountSeeded(int number, const char* name);
 
     std::unique_ptr<FastEmulatorFixture> m_fast;
     std::unique_ptr<emulator::OsduEmulator> m_osdu;
@@ -78,6 +85,12 @@ void OsduPageTest::initTestCase()
     m_page = std::make_unique<fast::OsduWidget>(m_fast->client(), m_fast->projectDir());
     m_page->setConnectedToFast(true); // as the panel does once FAST answers: the icon columns show
     m_page->show();
+    // Made before Connect, so that the page takes this instance and its browser.
+    OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider()->setBrowserOpener(testBrowser());
+    EventBusRecorder bus;
+    QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), kSignInLimitMs);
+    QVERIFY(!bus.texts(Information).filter("OSDU Authentication: ").isEmpty());
 }
 
 void OsduPageTest::searchFor(const QString& filter)
@@ -86,22 +99,18 @@ void OsduPageTest::searchFor(const QString& filter)
     QVERIFY(search(*m_page));
 }
 
-void OsduPageTest::connectSignsInAndKeepsTheRefreshToken()
+void OsduPageTest::clickIcon(int column)
 {
-    EventBusRecorder bus;
-    // Made before Connect, so that the page takes this instance and its browser.
-    OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider()->setBrowserOpener(testBrowser());
-    QCOMPARE(resultLabel(*m_page), "No results");
-    QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), 15000);
-    QVERIFY(!bus.texts(Information).filter("OSDU Authentication: ").isEmpty());
+    auto* view = m_page->treeView();
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
+                      view->visualRect(view->QTreeView::model()->index(0, column)).center());
+}
 
-    QSettings settings;
-    const QByteArray fingerprint =
-        QCryptographicHash::hash("fast-panel:fast-panel-secret", QCryptographicHash::Sha256).toBase64();
-    QCOMPARE(settings.value("AWS/OSDU_REFRESH_TOKEN_HASH").toString(), QString::fromLatin1(fingerprint));
-    QVERIFY(!settings.value("AWS/OSDU_REFRESH_TOKEN").toString().isEmpty());
-    QVERIFY(settings.value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime() > QDateTime::currentDateTime());
+void OsduPageTest::mountSeeded(int number, const char* name)
+{
+    const auto client = m_fast->client();
+    client->mountFile(client->registerVds(seededUrl(number))->getMessage(), name, m_fast->projectDir().toStdString(), 0,
+                      1, 0, 1, 0, 1);
 }
 
 void OsduPageTest::aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits()
@@ -123,6 +132,7 @@ void OsduPageTest::aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits()
 
     QSettings settings;
     const QVariant expiry = settings.value("AWS/OSDU_REFRESH_TOKEN_EXPIRY");
+    const QVariant hash = settings.value("AWS/OSDU_REFRESH_TOKEN_HASH");
     settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", QDateTime::currentDateTime());
     QVERIFY2(signInChoosesBrowser(), "a token that expires now is no longer used");
     settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", expiry);
@@ -131,6 +141,7 @@ void OsduPageTest::aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits()
     m_fast->settings().set("AWS", "OSDU_CLIENT_SECRET", "fast-panel-secret");
     settings.setValue("AWS/OSDU_REFRESH_TOKEN_HASH", "c29tZW9uZSBlbHNl");
     QVERIFY2(signInChoosesBrowser(), "a token stored for other credentials is not used");
+    settings.setValue("AWS/OSDU_REFRESH_TOKEN_HASH", hash);
 }
 
 void OsduPageTest::aSignInFailureWithoutDetailsShowsTheMessageAlone()
@@ -143,36 +154,27 @@ void OsduPageTest::aSignInFailureWithoutDetailsShowsTheMessageAlone()
 void OsduPageTest::searchFiltersByNameDescriptionAndId()
 {
     // The second dataset is known to FAST already.
-    const std::string registeredUrl = fast::modifyVdsFilepath("s3://fast-demo-bucket/volumes/vol-0002/");
-    const std::string vdsId = m_fast->client()->registerVds(registeredUrl)->getMessage();
-
+    const std::string vdsId = m_fast->client()->registerVds(seededUrl(2))->getMessage();
     searchFor("");
     QCOMPARE(resultLabel(*m_page), "5 result(s) found");
     QCOMPARE(resultNames(*m_page),
              QStringList({"Volume 0001", "Volume 0002", "Volume 0003", "Volume 0004", "Volume 0005"}));
-    const fast::VdsModel second = *m_page->treeView()->model()->vdsAt(1);
-    QCOMPARE(q(second.vdsId), q(vdsId));
-    QCOMPARE(q(second.url), q(registeredUrl));
+    QCOMPARE(q(m_page->treeView()->model()->vdsAt(1)->vdsId), q(vdsId));
+    QCOMPARE(q(m_page->treeView()->model()->vdsAt(1)->url), q(seededUrl(2)));
     QVERIFY(m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
 
-    searchFor("volume 0003");
-    QCOMPARE(resultNames(*m_page), QStringList{"Volume 0003"});
     searchFor("SEISMIC VOLUME 4,");
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0004"});
     searchFor("vol-0005"); // in the id alone
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0005"});
     searchFor("no such volume");
     QCOMPARE(resultLabel(*m_page), "No result");
-}
 
-void OsduPageTest::returnRunsWhatTheSearchButtonRuns()
-{
-    searchFor("volume 0003");
+    // Return runs the same search, busy and closed to a second Return until the results are in.
     fast::SearchInput* box = searchInput(*m_page);
+    box->setText("volume 0003");
     QTest::keyClick(box, Qt::Key_Return);
-    // Busy and closed to a second Return until the results are in.
-    QVERIFY(!box->isEnabled());
-    QVERIFY(!searchButton(*m_page)->isEnabled());
+    QVERIFY(!box->isEnabled() && !searchButton(*m_page)->isEnabled());
     QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
     QTRY_VERIFY_WITH_TIMEOUT(box->isEnabled(), 30000);
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0003"});
@@ -233,6 +235,7 @@ void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered()
 {
     QFETCH(QString, route);
     QFETCH(QString, body);
+    m_fast->client()->registerVds(seededUrl(2));
     m_fast->emulator().setFault("GET", route.toStdString(), answering(body.toStdString()));
     MessageBoxAnswerer boxes;
     EventBusRecorder bus;
@@ -284,16 +287,15 @@ void OsduPageTest::aFoundDatasetIsMountedThroughFast()
 {
     searchFor("volume 0001");
     QSignalSpy added(m_page.get(), &fast::OsduWidget::addToExtraDataManager);
-    auto* view = m_page->treeView();
-    const QModelIndex mount = view->QTreeView::model()->index(0, 2);
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(mount).center());
+    const std::size_t files = m_fast->emulator().service().files().size();
+    clickIcon(2);
     QTRY_VERIFY(openMountDialog(m_page.get()));
     answerMountDialog(m_page.get(), "north", "Save");
     QTRY_COMPARE(added.size(), 1);
     QCOMPARE(added.first().at(0).toString(), "north");
     QCOMPARE(added.first().at(1).value<fast::eVdsLocation>(), fast::OSDU);
-    QCOMPARE(m_fast->emulator().service().files().size(), std::size_t(1));
-    QVERIFY(!view->model()->vdsAt(0)->vdsId.empty());
+    QCOMPARE(m_fast->emulator().service().files().size(), files + 1);
+    QVERIFY(!m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
 }
 
 void OsduPageTest::fastRefusingTheRegistrationStopsTheMount()
@@ -302,9 +304,7 @@ void OsduPageTest::fastRefusingTheRegistrationStopsTheMount()
     m_fast->emulator().setFault("POST", "/api/v2/vds/", emulator::Fault{409, 0, std::string("known")});
     MessageBoxAnswerer boxes;
     EventBusRecorder bus;
-    auto* view = m_page->treeView();
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
-                      view->visualRect(view->QTreeView::model()->index(0, 2)).center());
+    clickIcon(2);
     QTRY_COMPARE(boxes.summaries(), QStringList(kRegistrationBox));
     QVERIFY(bus.texts(Information).last().endsWith("already registered in Bluware FAST™."));
     QVERIFY(!openMountDialog(m_page.get()));
@@ -321,38 +321,31 @@ void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain_data()
 void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain()
 {
     QFETCH(bool, lastFile);
-    const auto client = m_fast->client();
-    const std::string url = fast::modifyVdsFilepath("s3://fast-demo-bucket/volumes/vol-0005/");
-    client->mountFile(client->registerVds(url)->getMessage(), "south", m_fast->projectDir().toStdString(), 0, 1, 0, 1,
-                      0, 1);
+    mountSeeded(5, "south");
     searchFor("volume 0005");
-    QCOMPARE(m_page->treeView()->model()->vdsAt(0)->files.size(), std::size_t(1));
-    QSignalSpy removed(m_page.get(), &fast::OsduWidget::removeVdsFileFromProject);
-
     auto* view = m_page->treeView();
-    const QAbstractItemModel* rows = view->QTreeView::model();
-    if (lastFile) {
-        // A file row of this tree shows no delete icon; the request comes as the tree sends it.
-        fast::VdsFile file = view->model()->vdsAt(0)->files.front();
-        Q_EMIT view->deleteFile(view->model()->vdsAt(0)->vdsId, file);
-    } else {
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(rows->index(0, 3)).center());
-    }
+    QCOMPARE(view->model()->vdsAt(0)->files.size(), std::size_t(1));
+    QSignalSpy removed(m_page.get(), &fast::OsduWidget::removeVdsFileFromProject);
+    if (lastFile) // a file row of this tree shows no delete icon; the request comes as the tree sends it
+        Q_EMIT view->deleteFile(view->model()->vdsAt(0)->vdsId, view->model()->vdsAt(0)->files.front());
+    else
+        clickIcon(3);
 
-    const auto registered = [this, &url] {
+    const auto registered = [this] {
         const auto volumes = m_fast->emulator().service().volumes();
-        return std::any_of(volumes.begin(), volumes.end(), [&url](const auto& volume) { return volume.url == url; });
+        return std::any_of(volumes.begin(), volumes.end(),
+                           [](const auto& volume) { return volume.url == seededUrl(5); });
     };
     QTRY_COMPARE(removed.size(), 1);
     QCOMPARE(removed.first().at(0).toString(), "south");
     QVERIFY(!registered());
-    const fast::VdsModel shown = *view->model()->vdsAt(0);
-    QVERIFY(shown.vdsId.empty());
-    QVERIFY(shown.files.empty());
+    QVERIFY(view->model()->vdsAt(0)->vdsId.empty());
+    QVERIFY(view->model()->vdsAt(0)->files.empty());
     // Rebuilt: the "Files" row is empty, and the mount icon registers the dataset afresh.
+    const QAbstractItemModel* rows = view->QTreeView::model();
     QCOMPARE(rows->rowCount(rows->index(0, 0, rows->index(0, 0))), 0);
     m_fast->emulator().clearRequests();
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(rows->index(0, 2)).center());
+    clickIcon(2);
     QTRY_VERIFY(openMountDialog(m_page.get()));
     answerMountDialog(m_page.get(), "", "Cancel");
     QCOMPARE(m_fast->requestLines().filter("POST /api/v2/vds/").size(), 1);
@@ -367,17 +360,12 @@ void OsduPageTest::theDatasetsComeBackWithFastAsFastNowKnowsThem()
     const QAbstractItemModel* rows = m_page->treeView()->QTreeView::model();
     m_page->setConnectedToFast(false);
     QCOMPARE(rows->rowCount(), 0);
-
-    // While FAST was away, a file was mounted from the third dataset.
-    const auto client = m_fast->client();
-    const std::string url = fast::modifyVdsFilepath("s3://fast-demo-bucket/volumes/vol-0003/");
-    client->mountFile(client->registerVds(url)->getMessage(), "west", m_fast->projectDir().toStdString(), 0, 1, 0, 1, 0,
-                      1);
+    mountSeeded(3, "west"); // while FAST was away
     m_page->setConnectedToFast(true);
 
     QCOMPARE(rows->rowCount(), datasets);
     const fast::VdsModel third = *m_page->treeView()->model()->vdsAt(2);
-    QCOMPARE(q(third.url), q(url));
+    QCOMPARE(q(third.url), q(seededUrl(3)));
     QCOMPARE(third.files.size(), std::size_t(1));
     QCOMPARE(q(third.files.front().fileName), "west");
     QCOMPARE(resultNames(*m_page).size(), datasets);

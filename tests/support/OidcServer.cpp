@@ -97,23 +97,6 @@ QStringList OidcServer::events()
     return m_events;
 }
 
-bool OidcServer::revoke(const QString& token, const OidcClient& client)
-{
-    QUrlQuery form;
-    form.addQueryItem(QStringLiteral("token"), token);
-    form.addQueryItem(QStringLiteral("token_type_hint"), QStringLiteral("refresh_token"));
-    QByteArray basicAuth;
-    if (client.authMethod == QLatin1String("client_secret_basic")) {
-        basicAuth = (client.id + ':' + client.secret).toUtf8();
-    } else {
-        form.addQueryItem(QStringLiteral("client_id"), client.id);
-        form.addQueryItem(QStringLiteral("client_secret"), client.secret);
-    }
-    const QByteArray body = form.toString(QUrl::FullyEncoded).toUtf8();
-    QByteArray answer;
-    return request(endpoint("revocation_endpoint"), &body, basicAuth, &answer) == 200;
-}
-
 void OidcServer::configure(TestSettings& settings, const QString& group, const OidcClient& client) const
 {
     settings.set(group, "OSDU_CLIENT_ID", client.id);

@@ -37,13 +37,9 @@ public:
     QString endpoint(const char* name) const { return m_discovery.value(QLatin1String(name)).toString(); }
 
     // What it said of the token requests so far, one line each: "grant authorization_code",
-    // "grant refresh_token", "grant-error invalid_grant", and "revoked" per revoked grant.
+    // "grant refresh_token", and "grant-error invalid_grant".
     QStringList events();
     int count(const QString& event) { return events().count(event); }
-
-    // Revokes a token at the revocation endpoint (RFC 7009), as the client would; the whole
-    // grant goes with it. False when the server did not answer 200.
-    bool revoke(const QString& token, const OidcClient& client);
 
     // Points the host's settings group (AWS or Azure) at this server for client: its endpoints,
     // the loopback callback, and the scope that asks for a refresh token.
