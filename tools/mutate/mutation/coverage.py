@@ -14,7 +14,7 @@ from pathlib import Path
 
 # What the map depends on: the code, the tests and how they are built.
 FINGERPRINTED = ["CMakeLists.txt", "cmake", "fast", "platform", "resources", "tests", "tools", "translations"]
-FORMAT = 1
+FORMAT = 2
 
 
 def fingerprint(root):
@@ -26,7 +26,8 @@ def fingerprint(root):
     digest = hashlib.sha256(str(FORMAT).encode())
     for name in sorted(set(listing.decode().split("\0")) - {""}):
         path = Path(root) / name
-        if path.is_file() and not name.startswith("tools/mutate/") or name == "tools/mutate/Coverage.cmake":
+        ours = name.startswith("tools/mutate/") and name != "tools/mutate/Coverage.cmake"
+        if path.is_file() and not ours:
             digest.update(name.encode() + b"\0" + path.read_bytes() + b"\0")
     return digest.hexdigest()
 
@@ -35,7 +36,8 @@ def fingerprint(root):
 class CoverageMap:
     fingerprint: str = ""
     durations: dict = field(default_factory=dict)  # test -> seconds
-    failing: dict = field(default_factory=dict)  # test -> status on the unmutated code
+    failing: dict = field(default_factory=dict)  # test -> status on the unmutated code, twice
+    flaky: dict = field(default_factory=dict)  # test -> status of its first run, the second passed
     executed: dict = field(default_factory=dict)  # test -> {file: set of lines}
     instrumented: dict = field(default_factory=dict)  # file -> set of lines gcov knows
 
@@ -45,6 +47,7 @@ class CoverageMap:
             "fingerprint": self.fingerprint,
             "durations": self.durations,
             "failing": self.failing,
+            "flaky": self.flaky,
             "executed": {t: {f: sorted(l) for f, l in files.items()} for t, files in self.executed.items()},
             "instrumented": {f: sorted(l) for f, l in self.instrumented.items()},
         }
@@ -62,6 +65,7 @@ class CoverageMap:
             fingerprint=data["fingerprint"],
             durations=data["durations"],
             failing=data["failing"],
+            flaky=data["flaky"],
             executed={t: {f: set(l) for f, l in files.items()} for t, files in data["executed"].items()},
             instrumented={f: set(l) for f, l in data["instrumented"].items()},
         )
@@ -109,8 +113,8 @@ def lines_from_gcov(gcov_prefix, root, build_dir):
         directory = Path(document.get("current_working_directory", build_dir))
         for entry in document.get("files", []):
             path = _relative_source(entry["file"], directory, root)
-            if path is None:
-                continue
+            if path is None or (root / path).resolve().is_relative_to(build_dir):
+                continue  # a system header, or code generated into the build (moc, resources)
             for line in entry.get("lines", []):
                 known.setdefault(path, set()).add(line["line_number"])
                 if line["count"] > 0:

@@ -65,6 +65,11 @@ def summary(run):
         f" tests {sum(r['test_seconds'] for r in results) / judged:.1f} s),"
         f" measuring the unmutated suite {run['measure_seconds']:.0f} s",
     ]
+    if run.get("left_out"):
+        lines.append("left out, failing on the unmutated code: " + ", ".join(sorted(run["left_out"])))
+    if run.get("flaky"):
+        lines.append("flaky (failed once on the unmutated code; kills confirmed by a second run): "
+                     + ", ".join(sorted(run["flaky"])))
     survivors = [r for r in results if r["status"] in ("survived", "not covered")]
     if survivors:
         lines.append("survivors:")

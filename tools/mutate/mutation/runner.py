@@ -15,7 +15,7 @@ class Verdict:
     detail: str = ""
     build_seconds: float = 0.0
     test_seconds: float = 0.0
-    tests_run: int = 0
+    tests_run: int = 0  # test runs, confirmations included
 
 
 @dataclass
@@ -46,27 +46,34 @@ def time_limit(settings, duration):
 def first_failure(settings, tests, all_tests, durations):
     """Runs the tests, up to settings.jobs at once, in the given order, until one fails.
 
-    Returns (status, test name, number of tests started): status is killed, timed out or
-    survived."""
-    waiting, running, started = list(tests), [], 0
+    A failure is believed only when the test fails again on a second run: some tests of the
+    suite fail now and then on the unmutated code too. Returns (status, test name, number of
+    runs): status is killed, timed out or survived."""
+    waiting, running, runs, failed_once = [(t, False) for t in tests], [], 0, set()
     try:
         while waiting or running:
             while waiting and len(running) < settings.jobs:
-                test = waiting.pop(0)
-                running.append(run_with_setups(test, all_tests, time_limit(settings, durations[test.name])))
-                started += 1
+                test, confirming = waiting.pop(0)
+                limit = time_limit(settings, durations[test.name])
+                running.append((run_with_setups(test, all_tests, limit), confirming))
+                runs += 1
             time.sleep(0.05)
-            for process in list(running):
+            for entry in list(running):
+                process, confirming = entry
                 outcome = process.poll()
                 if outcome is None:
                     continue
-                running.remove(process)
+                running.remove(entry)
                 process.cleanup()
-                if outcome.status != "passed":
-                    return ("killed" if outcome.status == "failed" else "timed out"), process.test.name, started
-        return "survived", "", started
+                if outcome.status == "passed":
+                    continue
+                if confirming:
+                    return ("killed" if outcome.status == "failed" else "timed out"), process.test.name, runs
+                failed_once.add(process.test.name)
+                waiting.insert(0, (process.test, True))
+        return "survived", ", ".join(f"{name} failed once" for name in sorted(failed_once)), runs
     finally:
-        for process in running:
+        for process, _ in running:
             process.cleanup()
 
 
