@@ -8,7 +8,9 @@ DETECTED = ("killed", "timed out")
 
 
 def row(number, total, mutant, verdict):
-    detail = f" by {verdict.detail}" if verdict.detail else ""
+    detail = ""
+    if verdict.detail:
+        detail = f" by {verdict.detail}" if verdict.status in DETECTED else f" ({verdict.detail}, then passed)"
     timing = ""
     if verdict.status != "not covered":
         timing = f" [build {verdict.build_seconds:.0f} s, {verdict.tests_run} tests {verdict.test_seconds:.0f} s]"
