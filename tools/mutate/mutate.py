@@ -6,6 +6,7 @@
 """
 
 import argparse
+import fcntl
 import os
 import random
 import subprocess
@@ -41,6 +42,8 @@ def parse_arguments(argv):
     parser.add_argument("--seed", type=int, default=1, help="the draw's seed (default 1)")
     parser.add_argument("--sample-file", help="take seed, sample size and files from this file")
     parser.add_argument("--committed-sample", action="store_true", help=f"the same with {COMMITTED_SAMPLE}")
+    parser.add_argument("--match", action="append", metavar="TEXT",
+                        help="only mutants whose description (file:line kind: before -> after) holds TEXT")
     parser.add_argument("--list", action="store_true", help="print the chosen mutants and stop")
     parser.add_argument("--build-dir", default="build-mutate")
     parser.add_argument("--jobs", type=int, default=2, help="build jobs and tests at once (default 2)")
@@ -80,13 +83,15 @@ def source_files(paths):
     return sorted(set(files + named))
 
 
-def choose_mutants(files, sample, seed):
+def choose_mutants(files, sample, seed, matches):
     mutants = []
     for path in files:
         mutants += mutants_of(path, (ROOT / path).read_text())
     generated = len(mutants)
-    if sample is not None and sample < generated:
-        chosen = random.Random(seed).sample(range(generated), sample)
+    if matches:
+        mutants = [m for m in mutants if any(text in m.describe() for text in matches)]
+    if sample is not None and sample < len(mutants):
+        chosen = random.Random(seed).sample(range(len(mutants)), sample)
         mutants = [mutants[i] for i in sorted(chosen)]
     return mutants, generated
 
@@ -123,6 +128,13 @@ def main(argv):
     os.chdir(ROOT)
     build_dir = Path(arguments.build_dir)
     state_dir = build_dir / "mutate"
+    state_dir.mkdir(parents=True, exist_ok=True)
+    lock = open(state_dir / "lock", "w")  # held until the process ends
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        say(f"another ./dev mutate is running on {build_dir} (and may have a mutant in the source); not starting")
+        return 1
     guard = SourceGuard(ROOT, state_dir / "backup")
     raise_on_signals()
     leftover = guard.restore_leftover()
@@ -130,7 +142,7 @@ def main(argv):
         say(f"==> restored {leftover} from the backup of an interrupted run")
 
     files = source_files(arguments.paths)
-    mutants, generated = choose_mutants(files, arguments.sample, arguments.seed)
+    mutants, generated = choose_mutants(files, arguments.sample, arguments.seed, arguments.match)
     say(f"==> {len(mutants)} mutants of {generated} from {len(files)} files (seed {arguments.seed})")
     if arguments.list:
         for mutant in mutants:
@@ -144,7 +156,6 @@ def main(argv):
     status = 0
     try:
         say(f"==> building the unmutated code in {build_dir}")
-        state_dir.mkdir(parents=True, exist_ok=True)
         if not build(settings, [], state_dir / "build.log"):
             say(f"the unmutated build failed; see {state_dir / 'build.log'}")
             return 1

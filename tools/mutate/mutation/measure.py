@@ -11,35 +11,45 @@ MEASURING_TIME_LIMIT = 300
 
 def measure(tests, all_tests, settings, fingerprint, say):
     coverage = CoverageMap(fingerprint=fingerprint)
-    waiting, running = [(t, 1) for t in tests], []
     began = time.monotonic()
-    try:
-        while waiting or running:
-            while waiting and len(running) < settings.jobs:
-                test, attempt = waiting.pop(0)
-                running.append((run_with_setups(test, all_tests, MEASURING_TIME_LIMIT), attempt))
-            time.sleep(0.05)
-            for entry in list(running):
-                process, attempt = entry
-                outcome = process.poll()
-                if outcome is None:
-                    continue
-                running.remove(entry)
-                try:
-                    if outcome.status == "passed" or attempt == 2:
-                        _record(coverage, process, outcome, settings, say)
-                    else:
-                        # Some tests fail now and then; a second run tells a flaky test from a broken one.
-                        coverage.flaky[process.test.name] = outcome.status
-                        _show_failure(process.test.name, outcome, "; running it again", say)
-                        waiting.insert(0, (process.test, 2))
-                finally:
-                    process.cleanup()
-    finally:
-        for process, _ in running:
+    failed = _run_all(tests, all_tests, settings, coverage, say)
+    # Some tests fail now and then, more often beside another one: a failure is retried alone.
+    for test in failed:
+        process = run_with_setups(test, all_tests, MEASURING_TIME_LIMIT)
+        try:
+            _record(coverage, process, process.wait(), settings, say)
+        finally:
             process.cleanup()
     say(f"measured {len(tests)} tests in {time.monotonic() - began:.0f} s")
     return coverage
+
+
+def _run_all(tests, all_tests, settings, coverage, say):
+    """Runs the tests, settings.jobs at once, recording those that pass; returns those that failed."""
+    waiting, running, failed = list(tests), [], []
+    try:
+        while waiting or running:
+            while waiting and len(running) < settings.jobs:
+                running.append(run_with_setups(waiting.pop(0), all_tests, MEASURING_TIME_LIMIT))
+            time.sleep(0.05)
+            for process in list(running):
+                outcome = process.poll()
+                if outcome is None:
+                    continue
+                running.remove(process)
+                try:
+                    if outcome.status == "passed":
+                        _record(coverage, process, outcome, settings, say)
+                    else:
+                        coverage.flaky[process.test.name] = outcome.status
+                        _show_failure(process.test.name, outcome, "; it runs again alone at the end", say)
+                        failed.append(process.test)
+                finally:
+                    process.cleanup()
+    finally:
+        for process in running:
+            process.cleanup()
+    return failed
 
 
 def _show_failure(name, outcome, consequence, say):
@@ -59,5 +69,5 @@ def _record(coverage, process, outcome, settings, say):
     executed, known = lines_from_gcov(process.gcov_prefix, settings.root, settings.build_dir)
     coverage.record(name, executed, known)
     lines = sum(len(v) for v in executed.values())
-    flaky = " (flaky: failed, then passed; a kill by it is confirmed by a second run)" if name in coverage.flaky else ""
+    flaky = " (flaky: failed, then passed; runs last, its kills confirmed alone)" if name in coverage.flaky else ""
     say(f"    {name:<28} {outcome.seconds:6.1f} s  {lines:5} lines in {len(executed)} files{flaky}")

@@ -70,7 +70,7 @@ def summary(run):
     if run.get("left_out"):
         lines.append("left out, failing on the unmutated code: " + ", ".join(sorted(run["left_out"])))
     if run.get("flaky"):
-        lines.append("flaky (failed once on the unmutated code; kills confirmed by a second run): "
+        lines.append("flaky (failed once on the unmutated code; run last): "
                      + ", ".join(sorted(run["flaky"])))
     survivors = [r for r in results if r["status"] in ("survived", "not covered")]
     if survivors:

@@ -46,34 +46,43 @@ def time_limit(settings, duration):
 def first_failure(settings, tests, all_tests, durations):
     """Runs the tests, up to settings.jobs at once, in the given order, until one fails.
 
-    A failure is believed only when the test fails again on a second run: some tests of the
-    suite fail now and then on the unmutated code too. Returns (status, test name, number of
-    runs): status is killed, timed out or survived."""
-    waiting, running, runs, failed_once = [(t, False) for t in tests], [], 0, set()
+    A failure is believed only when the test fails again running alone: some tests of the suite
+    fail now and then on the unmutated code, more often beside another test. Returns (status,
+    test name or note, number of runs): status is killed, timed out or survived."""
+    waiting, running, runs, failed_once = list(tests), [], 0, []
     try:
         while waiting or running:
             while waiting and len(running) < settings.jobs:
-                test, confirming = waiting.pop(0)
-                limit = time_limit(settings, durations[test.name])
-                running.append((run_with_setups(test, all_tests, limit), confirming))
+                test = waiting.pop(0)
+                running.append(run_with_setups(test, all_tests, time_limit(settings, durations[test.name])))
                 runs += 1
             time.sleep(0.05)
-            for entry in list(running):
-                process, confirming = entry
+            for process in list(running):
                 outcome = process.poll()
                 if outcome is None:
                     continue
-                running.remove(entry)
+                running.remove(process)
                 process.cleanup()
                 if outcome.status == "passed":
                     continue
-                if confirming:
-                    return ("killed" if outcome.status == "failed" else "timed out"), process.test.name, runs
-                failed_once.add(process.test.name)
-                waiting.insert(0, (process.test, True))
-        return "survived", ", ".join(f"{name} failed once" for name in sorted(failed_once)), runs
+                # Those still running start again later, from the start.
+                waiting[:0] = [p.test for p in running]
+                for other in running:
+                    other.cleanup()
+                running = []
+                runs += 1
+                alone = run_with_setups(process.test, all_tests, time_limit(settings, durations[process.test.name]))
+                try:
+                    again = alone.wait()
+                finally:
+                    alone.cleanup()
+                if again.status != "passed":
+                    return ("killed" if again.status == "failed" else "timed out"), process.test.name, runs
+                failed_once.append(process.test.name)
+                break
+        return "survived", ", ".join(f"{name} failed once" for name in failed_once), runs
     finally:
-        for process, _ in running:
+        for process in running:
             process.cleanup()
 
 
@@ -87,7 +96,8 @@ def judge(mutant, source, guard, coverage, tests, settings, log_path):
         chosen = [selectable[name] for name in reaching if name in selectable]
     if not chosen:
         return Verdict("not covered")
-    chosen.sort(key=lambda t: (coverage.durations[t.name], t.name))
+    # Quickest first, but the tests known to fail now and then last: a kill they find needs a rerun.
+    chosen.sort(key=lambda t: (t.name in coverage.flaky, coverage.durations[t.name], t.name))
 
     targets = sorted({target for t in chosen for target in build_targets(t, settings.build_dir)})
     with guard.mutated(mutant.path, mutant.apply(source)):
