@@ -161,7 +161,7 @@ def main(argv):
             return 1
         tests = load_tests(build_dir)
         coverage, run["measure_seconds"] = prepare_coverage(settings, tests, state_dir)
-        run["left_out"], run["flaky"] = coverage.failing, coverage.flaky
+        run["left_out"] = coverage.failing
         say(f"==> judging {len(mutants)} mutants")
         judge_all(mutants, guard, coverage, tests, settings, state_dir, run)
     except (Interrupted, KeyboardInterrupt) as interruption:

@@ -14,7 +14,7 @@ from pathlib import Path
 
 # What the map depends on: the code, the tests and how they are built.
 FINGERPRINTED = ["CMakeLists.txt", "cmake", "fast", "platform", "resources", "tests", "tools", "translations"]
-FORMAT = 2
+FORMAT = 3
 
 
 def fingerprint(root):
@@ -36,8 +36,7 @@ def fingerprint(root):
 class CoverageMap:
     fingerprint: str = ""
     durations: dict = field(default_factory=dict)  # test -> seconds
-    failing: dict = field(default_factory=dict)  # test -> status on the unmutated code, twice
-    flaky: dict = field(default_factory=dict)  # test -> status of its first run, the second passed
+    failing: dict = field(default_factory=dict)  # test -> how it failed on the unmutated code
     executed: dict = field(default_factory=dict)  # test -> {file: set of lines}
     instrumented: dict = field(default_factory=dict)  # file -> set of lines gcov knows
 
@@ -47,7 +46,6 @@ class CoverageMap:
             "fingerprint": self.fingerprint,
             "durations": self.durations,
             "failing": self.failing,
-            "flaky": self.flaky,
             "executed": {t: {f: sorted(l) for f, l in files.items()} for t, files in self.executed.items()},
             "instrumented": {f: sorted(l) for f, l in self.instrumented.items()},
         }
@@ -65,7 +63,6 @@ class CoverageMap:
             fingerprint=data["fingerprint"],
             durations=data["durations"],
             failing=data["failing"],
-            flaky=data["flaky"],
             executed={t: {f: set(l) for f, l in files.items()} for t, files in data["executed"].items()},
             instrumented={f: set(l) for f, l in data["instrumented"].items()},
         )

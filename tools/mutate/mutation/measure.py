@@ -13,13 +13,20 @@ def measure(tests, all_tests, settings, fingerprint, say):
     coverage = CoverageMap(fingerprint=fingerprint)
     began = time.monotonic()
     failed = _run_all(tests, all_tests, settings, coverage, say)
-    # Some tests fail now and then, more often beside another one: a failure is retried alone.
+    # A test that fails on the unmutated code cannot tell a mutant: it is left out. Run alone once
+    # more, it shows whether it is broken or fails now and then (both need fixing).
     for test in failed:
         process = run_with_setups(test, all_tests, MEASURING_TIME_LIMIT)
         try:
-            _record(coverage, process, process.wait(), settings, say)
+            outcome = process.wait()
         finally:
             process.cleanup()
+        if outcome.status == "passed":
+            coverage.failing[test.name] = f"flaky: {coverage.failing[test.name]}, then passed alone"
+        else:
+            coverage.failing[test.name] += f", then {outcome.status} alone"
+            _show_failure(test.name, outcome, " again, alone", say)
+        say(f"    {test.name}: left out ({coverage.failing[test.name]})")
     say(f"measured {len(tests)} tests in {time.monotonic() - began:.0f} s")
     return coverage
 
@@ -41,7 +48,7 @@ def _run_all(tests, all_tests, settings, coverage, say):
                     if outcome.status == "passed":
                         _record(coverage, process, outcome, settings, say)
                     else:
-                        coverage.flaky[process.test.name] = outcome.status
+                        coverage.failing[process.test.name] = outcome.status
                         _show_failure(process.test.name, outcome, "; it runs again alone at the end", say)
                         failed.append(process.test)
                 finally:
@@ -60,14 +67,8 @@ def _show_failure(name, outcome, consequence, say):
 
 def _record(coverage, process, outcome, settings, say):
     name = process.test.name
-    if outcome.status != "passed":
-        coverage.failing[name] = outcome.status
-        coverage.flaky.pop(name, None)
-        _show_failure(name, outcome, " twice; left out", say)
-        return
     coverage.durations[name] = round(outcome.seconds, 2)
     executed, known = lines_from_gcov(process.gcov_prefix, settings.root, settings.build_dir)
     coverage.record(name, executed, known)
     lines = sum(len(v) for v in executed.values())
-    flaky = " (flaky: failed, then passed; runs last, its kills confirmed alone)" if name in coverage.flaky else ""
-    say(f"    {name:<28} {outcome.seconds:6.1f} s  {lines:5} lines in {len(executed)} files{flaky}")
+    say(f"    {name:<28} {outcome.seconds:6.1f} s  {lines:5} lines in {len(executed)} files")

@@ -45,6 +45,7 @@ def as_dict(mutant, verdict):
         "build_seconds": round(verdict.build_seconds, 1),
         "test_seconds": round(verdict.test_seconds, 1),
         "tests_run": verdict.tests_run,
+        "output": verdict.output,
     }
 
 
@@ -67,11 +68,8 @@ def summary(run):
         f" tests {sum(r['test_seconds'] for r in results) / judged:.1f} s),"
         f" measuring the unmutated suite {run['measure_seconds']:.0f} s",
     ]
-    if run.get("left_out"):
-        lines.append("left out, failing on the unmutated code: " + ", ".join(sorted(run["left_out"])))
-    if run.get("flaky"):
-        lines.append("flaky (failed once on the unmutated code; run last): "
-                     + ", ".join(sorted(run["flaky"])))
+    for test, how in sorted(run.get("left_out", {}).items()):
+        lines.append(f"left out, failing on the unmutated code: {test} ({how})")
     survivors = [r for r in results if r["status"] in ("survived", "not covered")]
     if survivors:
         lines.append("survivors:")

@@ -16,6 +16,7 @@ class Verdict:
     build_seconds: float = 0.0
     test_seconds: float = 0.0
     tests_run: int = 0  # test runs, confirmations included
+    output: str = ""  # the end of the killing run's output
 
 
 @dataclass
@@ -77,13 +78,20 @@ def first_failure(settings, tests, all_tests, durations):
                 finally:
                     alone.cleanup()
                 if again.status != "passed":
-                    return ("killed" if again.status == "failed" else "timed out"), process.test.name, runs
+                    status = "killed" if again.status == "failed" else "timed out"
+                    return status, process.test.name, runs, _tail(again.output)
                 failed_once.append(process.test.name)
                 break
-        return "survived", ", ".join(f"{name} failed once" for name in failed_once), runs
+        return "survived", ", ".join(f"{name} failed once" for name in failed_once), runs, ""
     finally:
         for process in running:
             process.cleanup()
+
+
+def _tail(output, lines=20):
+    # What tells why the test failed: QtTest's FAIL! lines, else the last lines.
+    failures = [line for line in output.splitlines() if line.startswith(("FAIL!", "   Loc:", "   Actual", "   Expected"))]
+    return "\n".join((failures or output.splitlines())[-lines:])
 
 
 def judge(mutant, source, guard, coverage, tests, settings, log_path):
@@ -96,8 +104,7 @@ def judge(mutant, source, guard, coverage, tests, settings, log_path):
         chosen = [selectable[name] for name in reaching if name in selectable]
     if not chosen:
         return Verdict("not covered")
-    # Quickest first, but the tests known to fail now and then last: a kill they find needs a rerun.
-    chosen.sort(key=lambda t: (t.name in coverage.flaky, coverage.durations[t.name], t.name))
+    chosen.sort(key=lambda t: (coverage.durations[t.name], t.name))
 
     targets = sorted({target for t in chosen for target in build_targets(t, settings.build_dir)})
     with guard.mutated(mutant.path, mutant.apply(source)):
@@ -105,5 +112,5 @@ def judge(mutant, source, guard, coverage, tests, settings, log_path):
         if not build(settings, targets, log_path):
             return Verdict("not compiled", build_seconds=time.monotonic() - began)
         built = time.monotonic()
-        status, test, started = first_failure(settings, chosen, tests, coverage.durations)
-        return Verdict(status, test, built - began, time.monotonic() - built, started)
+        status, test, started, output = first_failure(settings, chosen, tests, coverage.durations)
+        return Verdict(status, test, built - began, time.monotonic() - built, started, output)
