@@ -4,7 +4,7 @@ import subprocess
 import time
 from dataclasses import dataclass
 
-from .testsuite import TestProcess, build_targets, run_with_setups
+from .testsuite import build_targets, run_with_setups
 
 BUILD_TIME_LIMIT = 900
 
