@@ -24,7 +24,6 @@
 #include <osdu/HttpResponse.h>
 #include <osdu/OsduAuthProvider.h>
 
-#include <QAbstractButton>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -58,11 +57,6 @@ QString visibleWords(const QString& text)
     return document.toPlainText().trimmed();
 }
 
-QString where(const QWidget& widget)
-{
-    return QStringLiteral("%1 \"%2\"").arg(QString::fromLatin1(widget.metaObject()->className()), widget.objectName());
-}
-
 // The texts that came without their brackets, each with where it was read.
 class UnmarkedTexts
 {
@@ -88,40 +82,34 @@ public:
         }
     }
 
-    void boxes(const MessageBoxAnswerer& answerer)
+    // What was found, with the boxes shown and the host's log added.
+    QString verdict(const MessageBoxAnswerer& answerer, const EventBusRecorder& recorder)
     {
         for (const MessageBoxAnswerer::Box& box : answerer.boxes()) {
             check("message box title", box.title);
             check("message box text", box.text);
         }
+        for (const QString& text : recorder.texts(Error) + recorder.texts(Information))
+            check("event-bus message", text);
+        return m_lines.join('\n');
     }
-
-    void bus(const EventBusRecorder& recorder)
-    {
-        for (const QString& text : recorder.texts(Error))
-            check("event-bus error", text);
-        for (const QString& text : recorder.texts(Information))
-            check("event-bus information", text);
-    }
-
-    QStringList lines() const { return m_lines; }
 
 private:
     void widget(const QWidget& widget)
     {
-        const QString place = where(widget);
+        const QString place = QString("%1 \"%2\"").arg(widget.metaObject()->className(), widget.objectName());
         check(place + " tool tip", widget.toolTip());
         check(place + " accessible name", widget.accessibleName());
         if (widget.isWindow())
             check(place + " window title", widget.windowTitle());
-        if (const auto* label = qobject_cast<const QLabel*>(&widget))
-            check(place, label->text());
-        if (const auto* button = qobject_cast<const QAbstractButton*>(&widget))
-            check(place, button->text());
-        if (const auto* edit = qobject_cast<const QLineEdit*>(&widget))
-            check(place + " placeholder", edit->placeholderText());
+        // A line edit's text is what was typed, its placeholder ours; labels, buttons and spin
+        // boxes have their text as a property.
         if (const auto* help = qobject_cast<const kvWidgets::HelpToolTip*>(&widget))
             check(place, help->text());
+        else if (const auto* edit = qobject_cast<const QLineEdit*>(&widget))
+            check(place + " placeholder", edit->placeholderText());
+        else
+            check(place, widget.property("text").toString());
         if (const auto* combo = qobject_cast<const QComboBox*>(&widget)) {
             for (int i = 0; i < combo->count(); ++i)
                 check(place + " item", combo->itemText(i));
@@ -243,9 +231,8 @@ void TranslationTest::vdsPagesTheirTreesTheMountDialogAndTheirBoxes()
     QTest::mouseClick(actionButton(*local), Qt::LeftButton);
     QTRY_COMPARE(boxes.boxes().size(), 2);
 
-    unmarked.boxes(boxes);
-    unmarked.bus(bus);
-    QVERIFY2(unmarked.lines().isEmpty(), qPrintable("untranslated:\n" + unmarked.lines().join('\n')));
+    const QString untranslated = unmarked.verdict(boxes, bus);
+    QVERIFY2(untranslated.isEmpty(), qPrintable("untranslated:\n" + untranslated));
 }
 
 void TranslationTest::osduPageSignInSearchFilterAndBox()
@@ -294,9 +281,8 @@ void TranslationTest::osduPageSignInSearchFilterAndBox()
     clickCell(tree, 0, 2);
     QTRY_COMPARE(boxes.boxes().size(), 2);
 
-    unmarked.boxes(boxes);
-    unmarked.bus(bus);
-    QVERIFY2(unmarked.lines().isEmpty(), qPrintable("untranslated:\n" + unmarked.lines().join('\n')));
+    const QString untranslated = unmarked.verdict(boxes, bus);
+    QVERIFY2(untranslated.isEmpty(), qPrintable("untranslated:\n" + untranslated));
 }
 
 QTEST_MAIN(TranslationTest)

@@ -48,8 +48,7 @@ private Q_SLOTS:
     void typicalMountFromEitherPage_data();
     void typicalMountFromEitherPage();
     void cancellingUnregistersOnlyAVolumeWithoutFiles();
-    void deletingAndUnmountingRemoveTheFilesFromTheProject();
-    void initListsOnlyVolumesWithProjectFiles();
+    void initListsVolumesWithProjectFilesAndUnmountingRemovesTheirFiles();
 };
 
 void VdsPageTest::typicalMountFromEitherPage_data()
@@ -115,55 +114,42 @@ void VdsPageTest::cancellingUnregistersOnlyAVolumeWithoutFiles()
     QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
 }
 
-void VdsPageTest::deletingAndUnmountingRemoveTheFilesFromTheProject()
+void VdsPageTest::initListsVolumesWithProjectFilesAndUnmountingRemovesTheirFiles()
 {
     FastEmulatorFixture fixture;
     auto client = fixture.client();
-    const std::string vdsId = client->registerVds("/data/cube.vds")->getMessage();
-    std::vector<fast::VdsFile> files;
-    for (const char* name : {"one", "two", "three"})
-        files.push_back({client->mountFile(vdsId, name, "", 0, 1, 0, 1, 0, 1)->getMessage(), name});
-    Page page(fixture, VdsWidget::LOCAL_FILE);
-    page.widget.init({"/project/two"});
-    QCOMPARE(page.model().vdsCount(), 1);
-
-    // A volume that keeps other files stays.
-    Q_EMIT page.widget.treeView()->deleteFile(vdsId, files[0]);
-    QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(1));
-    QCOMPARE(page.model().vdsCount(), 1);
-
-    Q_EMIT page.widget.treeView()->unmountVds(vdsId, {files[1], files[2]});
-    QStringList removed;
-    for (const QList<QVariant>& arguments : page.removed)
-        removed << arguments.at(0).toString();
-    QCOMPARE(removed, QStringList({"one", "two", "three"}));
-    QVERIFY(fixture.emulator().service().volumes().empty());
-    QVERIFY(fixture.emulator().service().files().empty());
-    QCOMPARE(page.model().rowCount(), 0);
-}
-
-void VdsPageTest::initListsOnlyVolumesWithProjectFiles()
-{
-    FastEmulatorFixture fixture;
-    auto client = fixture.client();
-    const std::pair<const char*, const char*> mounts[] = {{"/data/cube.part.vds", "in-local"},
-                                                          {"/data/other.vds", "in-other"},
-                                                          {"https://store.example/a/b/cube", "in-cloud"}};
-    for (const auto& [url, file] : mounts)
-        client->mountFile(client->registerVds(url)->getMessage(), file, "", 0, 1, 0, 1, 0, 1);
+    const auto mount = [&client](const std::string& vdsId, const char* name) {
+        return fast::VdsFile{client->mountFile(vdsId, name, "", 0, 1, 0, 1, 0, 1)->getMessage(), name};
+    };
+    const std::string vdsId = client->registerVds("/data/cube.part.vds")->getMessage();
+    std::vector<fast::VdsFile> files = {mount(vdsId, "one"), mount(vdsId, "two"), mount(vdsId, "three")};
+    mount(client->registerVds("/data/other.vds")->getMessage(), "in-other");
+    mount(client->registerVds("https://store.example/a/b/cube")->getMessage(), "in-cloud");
 
     // Named after the file's base name on the local page: the cloud volume's "cube" is left out
     // as a second volume of the same name.
     Page local(fixture, VdsWidget::LOCAL_FILE);
-    local.widget.init({"/project/in-local", "/project/in-cloud", "/project/unrelated"});
+    local.widget.init({"/project/two", "/project/in-cloud", "/project/unrelated"});
     QCOMPARE(local.model().vdsCount(), 1);
     QCOMPARE(local.model().vdsAt(0)->name, "cube");
     QCOMPARE(q(local.model().vdsAt(0)->url), "/data/cube.part.vds");
-
     Page cloud(fixture, VdsWidget::CLOUD_URL);
     cloud.widget.init({"C:/project/in-cloud"});
     QCOMPARE(cloud.model().vdsCount(), 1);
     QCOMPARE(cloud.model().vdsAt(0)->name, "abcube");
+
+    // A volume that keeps other files stays; with its last files goes the volume.
+    Q_EMIT local.widget.treeView()->deleteFile(vdsId, files[0]);
+    QCOMPARE(fixture.emulator().service().volumes().size(), std::size_t(3));
+    QCOMPARE(local.model().vdsCount(), 1);
+    Q_EMIT local.widget.treeView()->unmountVds(vdsId, {files[1], files[2]});
+    QStringList removed;
+    for (const QList<QVariant>& arguments : local.removed)
+        removed << arguments.at(0).toString();
+    QCOMPARE(removed, QStringList({"one", "two", "three"}));
+    QCOMPARE(fixture.holdings().filter(QString::fromStdString(vdsId)), QStringList());
+    QCOMPARE(fixture.holdings().size(), 4);
+    QCOMPARE(local.model().rowCount(), 0);
 }
 
 QTEST_MAIN(VdsPageTest)
