@@ -11,10 +11,8 @@
 #include <fast/trees/OsduTreeDelegate.h>
 #include <fast/trees/OsduTreeView.h>
 
-#include <QApplication>
-#include <QMouseEvent>
-#include <QStyleFactory>
 #include <QtTest>
+#include <QtWidgets>
 
 #include <cstdlib>
 
@@ -53,53 +51,51 @@ class ContrastTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { QApplication::setStyle(QStyleFactory::create("Fusion")); }
-    void hoveredIconsStandOutFromTheirRows_data();
-    void hoveredIconsStandOutFromTheirRows();
-};
 
-void ContrastTest::hoveredIconsStandOutFromTheirRows_data()
-{
-    QTest::addColumn<bool>("dark");
-    QTest::newRow("light palette") << false;
-    QTest::newRow("dark Fusion palette") << true;
-}
-
-void ContrastTest::hoveredIconsStandOutFromTheirRows()
-{
-    QFETCH(bool, dark);
-    const QPalette original = QApplication::palette();
-    QApplication::setPalette(dark ? darkFusionPalette() : QApplication::style()->standardPalette());
-
-    // Known and unknown datasets on plain (even) and striped (odd) rows: every icon of the tree.
-    fast::OsduTreeView view;
-    view.setItemDelegate(new fast::OsduTreeDelegate(view.proxyModel(), &view));
-    for (const auto& [name, id] : {std::pair{"a", "v1"}, {"b", "v2"}, {"c", ""}, {"d", ""}})
-        view.model()->addVds(dataset(name, id));
-    view.setConnectedToFast(true);
-    view.refresh();
-    showExpanded(view);
-    view.collapseAll();
-
-    const QList<std::tuple<int, int, QString>> icons = {
-        {0, 2, "known, plain row"},     {1, 2, "known, striped row"}, {0, 3, "unmount, plain row"},
-        {1, 3, "unmount, striped row"}, {2, 2, "mount, plain row"},   {3, 2, "mount, striped row"},
-    };
-    for (const auto& [row, column, what] : icons) {
-        const QModelIndex cell = cellAt(view, {row}, column);
-        // Straight to the viewport: a real pointer resting there would bring up the cell's tool tip.
-        const QPoint at = centreOf(view, cell);
-        QMouseEvent move(QEvent::MouseMove, at, view.viewport()->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
-                         Qt::NoModifier);
-        QApplication::sendEvent(view.viewport(), &move);
-        QCOMPARE(qobject_cast<fast::FastTreeDelegate*>(view.itemDelegate())->hoveredIndex(), cell);
-        const QImage shot = view.viewport()->grab().toImage();
-        const QColor background = QApplication::palette().color(row % 2 ? QPalette::AlternateBase : QPalette::Base);
-        const double share = shareThatStandsOut(shot, view.visualRect(cell), background);
-        QVERIFY2(share >= 0.5,
-                 qPrintable(QString("%1: %2 % of the pixels at 3:1").arg(what).arg(share * 100, 0, 'f', 0)));
+    void hoveredIconsStandOutFromTheirRows_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("light palette") << false;
+        QTest::newRow("dark Fusion palette") << true;
     }
-    QApplication::setPalette(original);
-}
+
+    void hoveredIconsStandOutFromTheirRows()
+    {
+        QFETCH(bool, dark);
+        const QPalette original = QApplication::palette();
+        QApplication::setPalette(dark ? darkFusionPalette() : QApplication::style()->standardPalette());
+
+        // Known and unknown datasets on plain (even) and striped (odd) rows: every icon of the tree.
+        fast::OsduTreeView view;
+        view.setItemDelegate(new fast::OsduTreeDelegate(view.proxyModel(), &view));
+        for (const auto& [name, id] : {std::pair{"a", "v1"}, {"b", "v2"}, {"c", ""}, {"d", ""}})
+            view.model()->addVds(dataset(name, id));
+        view.setConnectedToFast(true);
+        view.refresh();
+        showExpanded(view);
+        view.collapseAll();
+
+        const QList<std::tuple<int, int, QString>> icons = {
+            {0, 2, "known, plain row"},     {1, 2, "known, striped row"}, {0, 3, "unmount, plain row"},
+            {1, 3, "unmount, striped row"}, {2, 2, "mount, plain row"},   {3, 2, "mount, striped row"},
+        };
+        for (const auto& [row, column, what] : icons) {
+            const QModelIndex cell = cellAt(view, {row}, column);
+            // Straight to the viewport: a real pointer resting there would bring up the cell's tool tip.
+            const QPoint at = centreOf(view, cell);
+            QMouseEvent move(QEvent::MouseMove, at, view.viewport()->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
+                             Qt::NoModifier);
+            QApplication::sendEvent(view.viewport(), &move);
+            QCOMPARE(qobject_cast<fast::FastTreeDelegate*>(view.itemDelegate())->hoveredIndex(), cell);
+            const QImage shot = view.viewport()->grab().toImage();
+            const QColor background = QApplication::palette().color(row % 2 ? QPalette::AlternateBase : QPalette::Base);
+            const double share = shareThatStandsOut(shot, view.visualRect(cell), background);
+            QVERIFY2(share >= 0.5,
+                     qPrintable(QString("%1: %2 % of the pixels at 3:1").arg(what).arg(share * 100, 0, 'f', 0)));
+        }
+        QApplication::setPalette(original);
+    }
+};
 
 QTEST_MAIN(ContrastTest)
 #include "tst_contrast.moc"

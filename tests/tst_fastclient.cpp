@@ -16,29 +16,13 @@
 
 using emulator::Fault;
 
-namespace {
-
-std::string registered(fast::Fast& client, const std::string& url)
-{
-    const auto response = client.registerVds(url);
-    if (response->getResponse() != 200)
-        throw std::runtime_error("registration failed: " + response->getMessage());
-    return response->getMessage();
-}
-
-} // namespace
-
 class FastClientTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void baseUrlFollowsThePortSettingAsItStands();
-    void registrationSendsTheConcatenatedBodyAndReportsRefusalsByStatus();
-    void mountBodyHasSortedKeysAndDoubledWindowsSeparators();
-    void findVdsByUrlAsksFilesThenVolumesAndMatchesExactly();
-    void unmountDeletesEachFileThenTheVolumeWhateverTheOutcome();
-    void pluginDescriptionGivesTheExtent();
+    void aVolumesLifeOverTheWire();
     void versionParsingFailuresAreReportedOrPassedThrough();
     void oneClientServesSeveralThreadsAtOnce();
 };
@@ -51,101 +35,9 @@ void FastClientTest::baseUrlFollowsThePortSettingAsItStands()
     QCOMPARE(q(fast::Fast("localhost").baseUrl()), "http://localhost: 80 ");
 }
 
-void FastClientTest::registrationSendsTheConcatenatedBodyAndReportsRefusalsByStatus()
-{
-    FastEmulatorFixture fixture;
-    auto client = fixture.client();
-    EventBusRecorder bus;
-
-    const auto accepted = client->registerVds("/data/a.vds");
-    QCOMPARE(accepted->getResponse(), 200);
-    QCOMPARE(bus.allTexts(), QStringList({"Call FAST REST API 243: method=POST, url=" + q(fixture.baseUrl())
-                                              + R"(/api/v2/vds/, body={ "url": "/data/a.vds" })",
-                                          "Response from FAST REST API: code=200, body=" + q(accepted->getMessage())}));
-    QCOMPARE(bus.texts(Trace).size(), 2);
-    QCOMPARE(client->registerVds("/data/a.vds")->getResponse(), 409);
-
-    // Not escaped: the quote makes the body invalid JSON, which the service refuses.
-    QCOMPARE(client->registerVds("/data/with \"quote\".vds")->getResponse(), 405);
-    QCOMPARE(q(fixture.emulator().requests().back().body), R"({ "url": "/data/with "quote".vds" })");
-}
-
-void FastClientTest::mountBodyHasSortedKeysAndDoubledWindowsSeparators()
-{
-    FastEmulatorFixture fixture;
-    auto client = fixture.client();
-    const std::string vdsId = registered(*client, "/data/a.vds");
-    fixture.emulator().clearRequests();
-
-    const auto response = client->mountFile(vdsId, "cube", R"(C:\proj\a.lnk)", 1, 2, 3, 4, 5, 6);
-    QCOMPARE(response->getResponse(), 200);
-    QVERIFY(QFile::exists(fixture.driveDir() + "/cube"));
-
-    // Each separator is doubled before the JSON writer escapes it: four backslashes on the wire.
-    const QString body = R"({"parameters":{"link_path":"C:\\\\proj\\\\a.lnk","shortcut_base_path":"",)"
-                         R"("subvolume":{"dim0":{"max":2,"min":1},"dim1":{"max":4,"min":3},"dim2":{"max":6,"min":5}},)"
-                         R"("vds-compression-tolerance":0},"path":"/cube","plugin":"Korvane","vdsId":")"
-                         + q(vdsId) + "\"}";
-    QCOMPARE(fixture.requestLines(), QStringList("POST /api/v2/file/"));
-    QCOMPARE(q(fixture.emulator().requests().at(0).body), body);
-}
-
-void FastClientTest::findVdsByUrlAsksFilesThenVolumesAndMatchesExactly()
-{
-    FastEmulatorFixture fixture;
-    auto client = fixture.client();
-    const std::string vdsId = registered(*client, "/data/a.vds");
-    registered(*client, "/data/b.vds");
-    const std::string fileId =
-        client->mountFile(vdsId, "cube", fixture.projectDir().toStdString(), 0, 1, 0, 1, 0, 1)->getMessage();
-    fixture.emulator().clearRequests();
-    EventBusRecorder bus;
-
-    const auto found = client->findVdsByUrl("/data/a.vds");
-    QVERIFY(found);
-    QCOMPARE(q(found->vdsId), q(vdsId));
-    QCOMPARE(found->files.size(), std::size_t(1));
-    QCOMPARE(q(found->files[0].fileId + ' ' + found->files[0].fileName), q(fileId + " cube"));
-
-    QCOMPARE(fixture.requestLines(), QStringList({"GET /api/v2/file/", "GET /api/v2/vds/"}));
-    QCOMPARE(bus.allTexts().first(),
-             "Call FAST REST API 217: method=GET, url=" + q(fixture.baseUrl()) + "/api/v2/file/");
-
-    QVERIFY(!client->findVdsByUrl("/data/A.vds"));
-    QVERIFY(!client->findVdsByUrl("/data/a.vds/"));
-}
-
-void FastClientTest::unmountDeletesEachFileThenTheVolumeWhateverTheOutcome()
-{
-    FastEmulatorFixture fixture;
-    auto client = fixture.client();
-    const std::string vdsId = registered(*client, "/data/a.vds");
-    std::vector<fast::VdsFile> files;
-    for (const char* name : {"one", "two"})
-        files.push_back(
-            {client->mountFile(vdsId, name, fixture.projectDir().toStdString(), 0, 1, 0, 1, 0, 1)->getMessage(), name});
-    // A file FAST no longer knows must not stop the loop.
-    files.insert(files.begin() + 1, fast::VdsFile{"gone", "gone"});
-    QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList({"one", "two"}));
-    fixture.emulator().clearRequests();
-    EventBusRecorder bus;
-
-    client->unmountVds(vdsId, files);
-    QStringList expected;
-    for (const fast::VdsFile& file : files)
-        expected << q("DELETE /api/v2/file/" + file.fileId);
-    QCOMPARE(fixture.requestLines(), expected << q("DELETE /api/v2/vds/" + vdsId));
-    const QStringList lines = bus.allTexts();
-    QCOMPARE(lines.size(), 8);
-    QCOMPARE(lines[0],
-             q("Call FAST REST API 161: method=DELETE, url=" + fixture.baseUrl() + "/api/v2/file/" + files[0].fileId));
-    QVERIFY(lines[3].startsWith("Response from FAST REST API: code=404, body="));
-    QVERIFY(fixture.emulator().service().volumes().empty());
-    QVERIFY(QDir(fixture.driveDir()).entryList(QDir::Files).isEmpty());
-    QCOMPARE(client->deleteFile("f1")->getResponse(), 404);
-}
-
-void FastClientTest::pluginDescriptionGivesTheExtent()
+// Registered, described, mounted, found by its URL and unmounted: the requests, their bodies and
+// the trace lines, and refusals reported by status.
+void FastClientTest::aVolumesLifeOverTheWire()
 {
     FastEmulatorFixture fixture;
     emulator::VolumeExtent extent;
@@ -155,12 +47,73 @@ void FastClientTest::pluginDescriptionGivesTheExtent()
     extent.max[2] = 99.5;
     fixture.emulator().service().setVolumeExtent("/data/a.vds", extent);
     auto client = fixture.client();
-    const std::string vdsId = registered(*client, "/data/a.vds");
+    auto bus = std::make_unique<EventBusRecorder>();
+
+    const auto accepted = client->registerVds("/data/a.vds");
+    const std::string vdsId = accepted->getMessage();
+    QCOMPARE(accepted->getResponse(), 200);
+    QCOMPARE(bus->allTexts(), QStringList({"Call FAST REST API 243: method=POST, url=" + q(fixture.baseUrl())
+                                               + R"(/api/v2/vds/, body={ "url": "/data/a.vds" })",
+                                           "Response from FAST REST API: code=200, body=" + q(vdsId)}));
+    QCOMPARE(bus->texts(Trace).size(), 2);
+    QCOMPARE(client->registerVds("/data/a.vds")->getResponse(), 409);
+    // Not escaped: the quote makes the body invalid JSON, which the service refuses.
+    QCOMPARE(client->registerVds("/data/with \"quote\".vds")->getResponse(), 405);
+    QCOMPARE(q(fixture.emulator().requests().back().body), R"({ "url": "/data/with "quote".vds" })");
 
     const fast::SubvolumeRange range = client->getPluginDescription("Korvane", vdsId);
     QCOMPARE(QStringList({q(range.dim0Min), q(range.dim0Max), q(range.dim1Min), q(range.dim1Max), q(range.dim2Min),
                           q(range.dim2Max)}),
              QStringList({"10", "20", "0", "899", "0.5", "99.5"}));
+
+    // Each separator is doubled before the JSON writer escapes it: four backslashes on the wire.
+    fixture.emulator().clearRequests();
+    const auto mounted = client->mountFile(vdsId, "cube", R"(C:\proj\a.lnk)", 1, 2, 3, 4, 5, 6);
+    QCOMPARE(mounted->getResponse(), 200);
+    QVERIFY(QFile::exists(fixture.driveDir() + "/cube"));
+    const QString body = R"({"parameters":{"link_path":"C:\\\\proj\\\\a.lnk","shortcut_base_path":"",)"
+                         R"("subvolume":{"dim0":{"max":2,"min":1},"dim1":{"max":4,"min":3},"dim2":{"max":6,"min":5}},)"
+                         R"("vds-compression-tolerance":0},"path":"/cube","plugin":"Korvane","vdsId":")"
+                         + q(vdsId) + "\"}";
+    QCOMPARE(fixture.requestLines(), QStringList("POST /api/v2/file/"));
+    QCOMPARE(q(fixture.emulator().requests().at(0).body), body);
+
+    // Found by the exact URL, after asking for the files, then the volumes.
+    client->registerVds("/data/b.vds");
+    fixture.emulator().clearRequests();
+    bus = std::make_unique<EventBusRecorder>();
+    const auto found = client->findVdsByUrl("/data/a.vds");
+    QVERIFY(found);
+    QCOMPARE(q(found->vdsId), q(vdsId));
+    QCOMPARE(found->files.size(), std::size_t(1));
+    QCOMPARE(q(found->files[0].fileId + ' ' + found->files[0].fileName), q(mounted->getMessage() + " cube"));
+    QCOMPARE(fixture.requestLines(), QStringList({"GET /api/v2/file/", "GET /api/v2/vds/"}));
+    QCOMPARE(bus->allTexts().first(),
+             "Call FAST REST API 217: method=GET, url=" + q(fixture.baseUrl()) + "/api/v2/file/");
+    QVERIFY(!client->findVdsByUrl("/data/A.vds"));
+    QVERIFY(!client->findVdsByUrl("/data/a.vds/"));
+
+    // Each file deleted, then the volume: a file FAST no longer knows must not stop the loop.
+    std::vector<fast::VdsFile> files = found->files;
+    files.push_back({"gone", "gone"});
+    files.push_back(
+        {client->mountFile(vdsId, "two", fixture.projectDir().toStdString(), 0, 1, 0, 1, 0, 1)->getMessage(), "two"});
+    QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList({"cube", "two"}));
+    fixture.emulator().clearRequests();
+    bus = std::make_unique<EventBusRecorder>();
+    client->unmountVds(vdsId, files);
+    QStringList expected;
+    for (const fast::VdsFile& file : files)
+        expected << q("DELETE /api/v2/file/" + file.fileId);
+    QCOMPARE(fixture.requestLines(), expected << q("DELETE /api/v2/vds/" + vdsId));
+    const QStringList lines = bus->allTexts();
+    QCOMPARE(lines.size(), 8);
+    QCOMPARE(lines[0],
+             q("Call FAST REST API 161: method=DELETE, url=" + fixture.baseUrl() + "/api/v2/file/" + files[0].fileId));
+    QVERIFY(lines[3].startsWith("Response from FAST REST API: code=404, body="));
+    QCOMPARE(fixture.holdings().size(), 1); // b.vds
+    QVERIFY(QDir(fixture.driveDir()).entryList(QDir::Files).isEmpty());
+    QCOMPARE(client->deleteFile("f1")->getResponse(), 404);
 }
 
 void FastClientTest::versionParsingFailuresAreReportedOrPassedThrough()

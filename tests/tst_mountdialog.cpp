@@ -98,6 +98,12 @@ private Q_SLOTS:
                  QStringList({"Filename", "In-line", "X-line", "Z"}));
         QTRY_COMPARE(QApplication::focusWidget(), at(dialog, 1, 0));
         QCOMPARE(button(dialog, 0)->text() + ' ' + button(dialog, 1)->text(), "Cancel Save");
+
+        // A bound of the description that is not a number.
+        QVERIFY_EXCEPTION_THROWN(fast::MountNewVolume(fixture.client(), "1", {"", "", "x", "", "", ""}, "p"),
+                                 std::invalid_argument);
+        QVERIFY_EXCEPTION_THROWN(fast::MountNewVolume(fixture.client(), "1", {"", "", "", "", "", "deep"}, "p"),
+                                 std::invalid_argument);
     }
 
     void rowsStartOnTheWholeVolume_data()
@@ -123,15 +129,6 @@ private Q_SLOTS:
         FastEmulatorFixture fixture;
         fast::MountNewVolume dialog(fixture.client(), "1", range, fixture.projectDir());
         QCOMPARE(QStringList({axisState(dialog, 3), axisState(dialog, 6), axisState(dialog, 9)}), rows);
-    }
-
-    void nonNumericBoundThrows()
-    {
-        FastEmulatorFixture fixture;
-        QVERIFY_EXCEPTION_THROWN(fast::MountNewVolume(fixture.client(), "1", {"", "", "x", "", "", ""}, "p"),
-                                 std::invalid_argument);
-        QVERIFY_EXCEPTION_THROWN(fast::MountNewVolume(fixture.client(), "1", {"", "", "", "", "", "deep"}, "p"),
-                                 std::invalid_argument);
     }
 
     void emptyUnfitOrTakenNameStaysInTheDialog()

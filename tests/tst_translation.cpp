@@ -24,17 +24,8 @@
 #include <osdu/HttpResponse.h>
 #include <osdu/OsduAuthProvider.h>
 
-#include <QAbstractButton>
-#include <QComboBox>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRegularExpression>
-#include <QTabBar>
-#include <QTextDocument>
-#include <QTranslator>
 #include <QtTest>
+#include <QtWidgets>
 
 namespace {
 
@@ -56,11 +47,6 @@ QString visibleWords(const QString& text)
     QTextDocument document;
     document.setHtml(text);
     return document.toPlainText().trimmed();
-}
-
-QString where(const QWidget& widget)
-{
-    return QStringLiteral("%1 \"%2\"").arg(QString::fromLatin1(widget.metaObject()->className()), widget.objectName());
 }
 
 // The texts that came without their brackets, each with where it was read.
@@ -88,40 +74,34 @@ public:
         }
     }
 
-    void boxes(const MessageBoxAnswerer& answerer)
+    // What was found, with the boxes shown and the host's log added.
+    QString verdict(const MessageBoxAnswerer& answerer, const EventBusRecorder& recorder)
     {
         for (const MessageBoxAnswerer::Box& box : answerer.boxes()) {
             check("message box title", box.title);
             check("message box text", box.text);
         }
+        for (const QString& text : recorder.texts(Error) + recorder.texts(Information))
+            check("event-bus message", text);
+        return m_lines.join('\n');
     }
-
-    void bus(const EventBusRecorder& recorder)
-    {
-        for (const QString& text : recorder.texts(Error))
-            check("event-bus error", text);
-        for (const QString& text : recorder.texts(Information))
-            check("event-bus information", text);
-    }
-
-    QStringList lines() const { return m_lines; }
 
 private:
     void widget(const QWidget& widget)
     {
-        const QString place = where(widget);
+        const QString place = QString("%1 \"%2\"").arg(widget.metaObject()->className(), widget.objectName());
         check(place + " tool tip", widget.toolTip());
         check(place + " accessible name", widget.accessibleName());
         if (widget.isWindow())
             check(place + " window title", widget.windowTitle());
-        if (const auto* label = qobject_cast<const QLabel*>(&widget))
-            check(place, label->text());
-        if (const auto* button = qobject_cast<const QAbstractButton*>(&widget))
-            check(place, button->text());
-        if (const auto* edit = qobject_cast<const QLineEdit*>(&widget))
-            check(place + " placeholder", edit->placeholderText());
+        // A line edit's text is what was typed, its placeholder ours; labels, buttons and spin
+        // boxes have their text as a property.
         if (const auto* help = qobject_cast<const kvWidgets::HelpToolTip*>(&widget))
             check(place, help->text());
+        else if (const auto* edit = qobject_cast<const QLineEdit*>(&widget))
+            check(place + " placeholder", edit->placeholderText());
+        else
+            check(place, widget.property("text").toString());
         if (const auto* combo = qobject_cast<const QComboBox*>(&widget)) {
             for (int i = 0; i < combo->count(); ++i)
                 check(place + " item", combo->itemText(i));
@@ -183,121 +163,115 @@ class TranslationTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void vdsPagesTheirTreesTheMountDialogAndTheirBoxes();
-    void osduPageSignInSearchFilterAndBox();
+    void initTestCase()
+    {
+        // Before any panel is made, as a host does.
+        QVERIFY(m_translator.load(QStringLiteral(PSEUDO_TRANSLATION)));
+        QVERIFY(QCoreApplication::installTranslator(&m_translator));
+    }
+
+    void vdsPagesTheirTreesTheMountDialogAndTheirBoxes()
+    {
+        FastEmulatorFixture fixture;
+        const auto client = fixture.client();
+        client->mountFile(client->registerVds("/data/local.vds")->getMessage(), "l1", "", 0, 1, 0, 1, 0, 1);
+        client->mountFile(client->registerVds("https://store.example/cloud")->getMessage(), "c1", "", 0, 1, 0, 1, 0, 1);
+        fast::FastTabWidget panel(fixture.projectDir());
+        panel.show();
+        QVERIFY(connectsToFast(panel));
+        panel.fillTrees({"/project/l1"}, {"/project/c1"});
+        EventBusRecorder bus;
+        MessageBoxAnswerer boxes;
+        UnmarkedTexts unmarked;
+        unmarked.widgets(panel);
+
+        // The mount dialog as it opens, then refusing a name, then failing the mount in a box.
+        fast::VdsWidget* cloud = cloudPage(panel);
+        showPage(panel, cloud);
+        pathField(*cloud)->setText("https://store.example/survey/cube");
+        QTest::mouseClick(actionButton(*cloud), Qt::LeftButton);
+        QTRY_VERIFY(openMountDialog(cloud));
+        fast::MountNewVolume& dialog = *openMountDialog(cloud);
+        unmarked.widgets(dialog);
+        QTest::keyClicks(fileNameField(dialog), "a:b");
+        QTest::mouseClick(saveButton(dialog), Qt::LeftButton);
+        QVERIFY(!fileNameLabel(dialog)->toolTip().isEmpty());
+        unmarked.widgets(dialog);
+        fixture.emulator().setFault("POST", "/api/v2/file/", failing(500));
+        fileNameField(dialog)->clear();
+        QTest::keyClicks(fileNameField(dialog), "cube");
+        QTest::mouseClick(saveButton(dialog), Qt::LeftButton);
+        QTRY_COMPARE(boxes.boxes().size(), 1);
+
+        // The local page's box: FAST refuses to register the chosen file.
+        QTemporaryDir volumes;
+        QFile volume(volumes.filePath("other.vds"));
+        QVERIFY(volume.open(QIODevice::WriteOnly));
+        volume.close();
+        fixture.emulator().setFault("POST", "/api/v2/vds/", failing(500));
+        fast::VdsWidget* local = localPage(panel);
+        showPage(panel, local);
+        answerNextFileDialog(volume.fileName());
+        QTest::mouseClick(actionButton(*local), Qt::LeftButton);
+        QTRY_COMPARE(boxes.boxes().size(), 2);
+
+        const QString untranslated = unmarked.verdict(boxes, bus);
+        QVERIFY2(untranslated.isEmpty(), qPrintable("untranslated:\n" + untranslated));
+    }
+
+    void osduPageSignInSearchFilterAndBox()
+    {
+        FastEmulatorFixture fixture;
+        const auto osdu = startOsduEmulator(fixture.settings(), {}, 3, "http://localhost");
+        fast::FastTabWidget panel(fixture.projectDir());
+        panel.show();
+        QVERIFY(connectsToFast(panel));
+        fast::OsduWidget* page = osduPage(panel);
+        showPage(panel, page);
+        EventBusRecorder bus;
+        MessageBoxAnswerer boxes;
+        UnmarkedTexts unmarked;
+        unmarked.widgets(*page);
+
+        // No browser opens: the sign-in fails in a box.
+        const auto provider = fast::OsduFastInitializer::instance(fast::OsduFastInitializer::AWS)->authProvider();
+        provider->setBrowserOpener([](const QUrl&) { return false; });
+        QTest::mouseClick(connectButton(*page), Qt::LeftButton);
+        QTRY_COMPARE(boxes.boxes().size(), 1);
+
+        const auto visit = std::make_shared<BrowserVisit>();
+        provider->setBrowserOpener(testBrowser({}, visit));
+        QTRY_VERIFY(connectButton(*page)->isEnabled());
+        QTest::mouseClick(connectButton(*page), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(searchInput(*page)->isEnabled(), 15000);
+        QTRY_VERIFY(visit->done);
+        const QStringList browserPage = browserPageTexts(visit->page);
+        QCOMPARE(browserPage.size(), 2);
+        for (const QString& text : browserPage)
+            unmarked.check("sign-in page in the browser", text);
+
+        QVERIFY(search(*page));
+        QCOMPARE(resultNames(*page).size(), 3);
+        fast::FastTreeView* tree = page->treeView();
+        auto& header = static_cast<fast::FastHeaderView&>(*tree->header());
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(10, header.height() / 2));
+        QVERIFY(header.popupWidget());
+        unmarked.widgets(*header.popupWidget());
+        header.popupWidget()->close();
+        unmarked.widgets(*page);
+
+        // Mounting a dataset that FAST refuses to register: the OSDU page's box.
+        fixture.emulator().setFault("POST", "/api/v2/vds/", failing(500));
+        clickCell(tree, 0, 2);
+        QTRY_COMPARE(boxes.boxes().size(), 2);
+
+        const QString untranslated = unmarked.verdict(boxes, bus);
+        QVERIFY2(untranslated.isEmpty(), qPrintable("untranslated:\n" + untranslated));
+    }
 
 private:
     QTranslator m_translator;
 };
-
-void TranslationTest::initTestCase()
-{
-    // Before any panel is made, as a host does.
-    QVERIFY(m_translator.load(QStringLiteral(PSEUDO_TRANSLATION)));
-    QVERIFY(QCoreApplication::installTranslator(&m_translator));
-}
-
-void TranslationTest::vdsPagesTheirTreesTheMountDialogAndTheirBoxes()
-{
-    FastEmulatorFixture fixture;
-    const auto client = fixture.client();
-    client->mountFile(client->registerVds("/data/local.vds")->getMessage(), "l1", "", 0, 1, 0, 1, 0, 1);
-    client->mountFile(client->registerVds("https://store.example/cloud")->getMessage(), "c1", "", 0, 1, 0, 1, 0, 1);
-    fast::FastTabWidget panel(fixture.projectDir());
-    panel.show();
-    QVERIFY(connectsToFast(panel));
-    panel.fillTrees({"/project/l1"}, {"/project/c1"});
-    EventBusRecorder bus;
-    MessageBoxAnswerer boxes;
-    UnmarkedTexts unmarked;
-    unmarked.widgets(panel);
-
-    // The mount dialog as it opens, then refusing a name, then failing the mount in a box.
-    fast::VdsWidget* cloud = cloudPage(panel);
-    showPage(panel, cloud);
-    pathField(*cloud)->setText("https://store.example/survey/cube");
-    QTest::mouseClick(actionButton(*cloud), Qt::LeftButton);
-    QTRY_VERIFY(openMountDialog(cloud));
-    fast::MountNewVolume& dialog = *openMountDialog(cloud);
-    unmarked.widgets(dialog);
-    QTest::keyClicks(fileNameField(dialog), "a:b");
-    QTest::mouseClick(saveButton(dialog), Qt::LeftButton);
-    QVERIFY(!fileNameLabel(dialog)->toolTip().isEmpty());
-    unmarked.widgets(dialog);
-    fixture.emulator().setFault("POST", "/api/v2/file/", failing(500));
-    fileNameField(dialog)->clear();
-    QTest::keyClicks(fileNameField(dialog), "cube");
-    QTest::mouseClick(saveButton(dialog), Qt::LeftButton);
-    QTRY_COMPARE(boxes.boxes().size(), 1);
-
-    // The local page's box: FAST refuses to register the chosen file.
-    QTemporaryDir volumes;
-    QFile volume(volumes.filePath("other.vds"));
-    QVERIFY(volume.open(QIODevice::WriteOnly));
-    volume.close();
-    fixture.emulator().setFault("POST", "/api/v2/vds/", failing(500));
-    fast::VdsWidget* local = localPage(panel);
-    showPage(panel, local);
-    answerNextFileDialog(volume.fileName());
-    QTest::mouseClick(actionButton(*local), Qt::LeftButton);
-    QTRY_COMPARE(boxes.boxes().size(), 2);
-
-    unmarked.boxes(boxes);
-    unmarked.bus(bus);
-    QVERIFY2(unmarked.lines().isEmpty(), qPrintable("untranslated:\n" + unmarked.lines().join('\n')));
-}
-
-void TranslationTest::osduPageSignInSearchFilterAndBox()
-{
-    FastEmulatorFixture fixture;
-    const auto osdu = startOsduEmulator(fixture.settings(), {}, 3, "http://localhost");
-    fast::FastTabWidget panel(fixture.projectDir());
-    panel.show();
-    QVERIFY(connectsToFast(panel));
-    fast::OsduWidget* page = osduPage(panel);
-    showPage(panel, page);
-    EventBusRecorder bus;
-    MessageBoxAnswerer boxes;
-    UnmarkedTexts unmarked;
-    unmarked.widgets(*page);
-
-    // No browser opens: the sign-in fails in a box.
-    const auto provider = fast::OsduFastInitializer::instance(fast::OsduFastInitializer::AWS)->authProvider();
-    provider->setBrowserOpener([](const QUrl&) { return false; });
-    QTest::mouseClick(connectButton(*page), Qt::LeftButton);
-    QTRY_COMPARE(boxes.boxes().size(), 1);
-
-    const auto visit = std::make_shared<BrowserVisit>();
-    provider->setBrowserOpener(testBrowser({}, visit));
-    QTRY_VERIFY(connectButton(*page)->isEnabled());
-    QTest::mouseClick(connectButton(*page), Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(searchInput(*page)->isEnabled(), 15000);
-    QTRY_VERIFY(visit->done);
-    const QStringList browserPage = browserPageTexts(visit->page);
-    QCOMPARE(browserPage.size(), 2);
-    for (const QString& text : browserPage)
-        unmarked.check("sign-in page in the browser", text);
-
-    QVERIFY(search(*page));
-    QCOMPARE(resultNames(*page).size(), 3);
-    fast::FastTreeView* tree = page->treeView();
-    auto& header = static_cast<fast::FastHeaderView&>(*tree->header());
-    QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(10, header.height() / 2));
-    QVERIFY(header.popupWidget());
-    unmarked.widgets(*header.popupWidget());
-    header.popupWidget()->close();
-    unmarked.widgets(*page);
-
-    // Mounting a dataset that FAST refuses to register: the OSDU page's box.
-    fixture.emulator().setFault("POST", "/api/v2/vds/", failing(500));
-    clickCell(tree, 0, 2);
-    QTRY_COMPARE(boxes.boxes().size(), 2);
-
-    unmarked.boxes(boxes);
-    unmarked.bus(bus);
-    QVERIFY2(unmarked.lines().isEmpty(), qPrintable("untranslated:\n" + unmarked.lines().join('\n')));
-}
 
 QTEST_MAIN(TranslationTest)
 #include "tst_translation.moc"

@@ -8,16 +8,13 @@
 #include <fast/trees/FastSortFilterProxyModel.h>
 #include <fast/trees/OsduTreeDelegate.h>
 #include <fast/trees/OsduTreeView.h>
+#include <fast/trees/TreeRoles.h>
 #include <fast/trees/VdsTreeDelegate.h>
 #include <fast/trees/VdsTreeModel.h>
 #include <fast/trees/VdsTreeView.h>
 
-#include <QAbstractItemModelTester>
-#include <QCheckBox>
-#include <QLayout>
-#include <QPainter>
-#include <QStyleOptionButton>
 #include <QtTest>
+#include <QtWidgets>
 
 namespace {
 
@@ -79,141 +76,132 @@ class TreePaintingTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void delegatesDrawTheIconCentredAndHalfOpaqueUnlessHovered();
-    void delegatesDrawNothingForAForeignModel();
-    void popupChoicesDriveTheFilterAndAllFollowsThem();
-    void filterIconIsHighlightedWhileAnythingIsHidden();
+    void delegatesDrawTheIconCentredAndHalfOpaqueUnlessHovered()
+    {
+        fast::VdsTreeView vds;
+        fast::VdsTreeDelegate delegate(vds.proxyModel());
+        fast::OsduTreeView osdu;
+        fast::OsduTreeDelegate osduDelegate(osdu.proxyModel());
+        for (fast::FastTreeView* view : std::initializer_list<fast::FastTreeView*>{&vds, &osdu}) {
+            view->model()->addVds(registeredVolume());
+            view->model()->addVds(unregisteredVolume());
+            view->setConnectedToFast(true);
+            view->refresh();
+        }
+
+        const QModelIndex icon = cellAt(vds, {0}, 2);
+        QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 0.5));
+        delegate.setHoveredIndex(icon);
+        QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 1.0));
+        QCOMPARE(paintCell(delegate, cellAt(vds, {0, 0, 0}, 2)), expectedCell(":/light/delete24.png", 0.5));
+        // The "Id" row's column 2 carries no action: blank, not even a background.
+        QCOMPARE(paintCell(delegate, cellAt(vds, {0, 1}, 2)), blankCell());
+        QStyleOptionViewItem option;
+        QCOMPARE(delegate.sizeHint(option, icon), QSize(30, 30));
+        QCOMPARE(delegate.sizeHint(option, cellAt(vds, {0}, 0)).height(), 30);
+
+        // The OSDU tree shows the mount state, and unmount only for a registered dataset.
+        QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0}, 2)), expectedCell(":/light/down_ko.png", 0.5));
+        QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0}, 3)), expectedCell(":/light/delete24.png", 0.5));
+        QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {1}, 2)), expectedCell(":/light/down_ok.png", 0.5));
+        QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {1}, 3)), blankCell());
+        QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0, 1}, 3)), blankCell());
+
+        // Over a model that is not a volume tree, nothing at all, not even an action it carries.
+        QStandardItemModel foreign(1, 4);
+        foreign.setData(foreign.index(0, 0), "text");
+        foreign.setData(foreign.index(0, 2), true, fast::ActionRole);
+        QSortFilterProxyModel proxy;
+        proxy.setSourceModel(&foreign);
+        for (int column : {0, 2}) {
+            QCOMPARE(paintCell(fast::VdsTreeDelegate(&proxy), proxy.index(0, column)), blankCell());
+            QCOMPARE(paintCell(fast::OsduTreeDelegate(&proxy), proxy.index(0, column)), blankCell());
+        }
+    }
+
+    void popupChoicesDriveTheFilterAndAllFollowsThem()
+    {
+        fast::OsduTreeView view;
+        view.model()->addVds(registeredVolume());
+        view.model()->addVds(unregisteredVolume());
+        view.setConnectedToFast(true);
+        view.refresh();
+        showExpanded(view);
+        const QAbstractItemModelTester proxyCheck(view.proxyModel(),
+                                                  QAbstractItemModelTester::FailureReportingMode::QtTest);
+        auto& header = static_cast<fast::FastHeaderView&>(*view.header());
+        QSignalSpy filtered(&header, &fast::FastHeaderView::filterColumns);
+
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(10, header.height() / 2));
+        QVERIFY(header.popupWidget());
+        QCOMPARE(header.popupWidget()->findChildren<QCheckBox*>().size(), 3);
+        QCOMPARE(qobject_cast<QCheckBox*>(header.popupWidget()->layout()->itemAt(0)->widget())->text(), "All");
+        QCheckBox* all = popupBox(header, "All");
+        QCheckBox* registered = popupBox(header, "Registered");
+        QCOMPARE(all->checkState(), Qt::Checked);
+
+        clickBox(registered);
+        fast::FastSortFilterProxyModel& proxy = *view.proxyModel();
+        QCOMPARE(proxy.filterStates().value("Registered"), int(Qt::Unchecked));
+        QCOMPARE(proxy.rowCount(), 1);
+        QCOMPARE(proxy.index(0, 0).data().toString(), "fresh");
+        QCOMPARE(proxy.rowCount(proxy.index(0, 0)), 3); // its children come along
+        QCOMPARE(all->checkState(), Qt::PartiallyChecked);
+        QCOMPARE(filtered.size(), 1);
+        QVERIFY(header.isFilterActive(0));
+
+        clickBox(all);
+        QCOMPARE(all->checkState(), Qt::Checked);
+        QCOMPARE(registered->checkState(), Qt::Checked);
+        QCOMPARE(proxy.rowCount(), 2);
+        QVERIFY(!header.isFilterActive(0));
+
+        clickBox(popupBox(header, "Unregistered"));
+        QCOMPARE(proxy.rowCount(), 1);
+        QCOMPARE(proxy.index(0, 0).data().toString(), "cube");
+        QCOMPARE(proxy.rowCount(proxy.index(0, 0)), view.model()->rowCount(view.model()->index(0, 0)));
+        clickBox(all);
+        clickBox(all);
+        QCOMPARE(popupBox(header, "Unregistered")->checkState(), Qt::Unchecked);
+        QCOMPARE(proxy.rowCount(), 0);
+
+        // The VDS tree offers no filter: a click on its header opens nothing.
+        fast::VdsTreeView vdsView;
+        showExpanded(vdsView);
+        auto& vdsHeader = static_cast<fast::FastHeaderView&>(*vdsView.header());
+        QTest::mouseClick(vdsHeader.viewport(), Qt::LeftButton, {}, QPoint(10, vdsHeader.height() / 2));
+        QVERIFY(!vdsHeader.popupWidget());
+
+        // Over a model that is not a volume tree, nothing passes.
+        QStandardItemModel plain(2, 1);
+        fast::FastSortFilterProxyModel other;
+        other.setSourceModel(&plain);
+        QCOMPARE(other.rowCount(), 0);
+    }
+
+    void filterIconIsHighlightedWhileAnythingIsHidden()
+    {
+        fast::OsduTreeView view;
+        view.setConnectedToFast(true);
+        showExpanded(view);
+        auto& header = static_cast<fast::FastHeaderView&>(*view.header());
+        const QRect iconRect = header.getDrawingRect(
+            QRect(header.sectionViewportPosition(0), 0, header.sectionSize(0), header.height()));
+        const auto drawnIcon = [&] { return header.viewport()->grab().toImage().copy(iconRect); };
+        // Hovering highlights too: start with the mouse elsewhere.
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(header.viewport(), &leave);
+        QCOMPARE(header.getHoverIndex(), -1);
+
+        const QImage plain = drawnIcon();
+        view.proxyModel()->setFilterState("Unregistered", Qt::Unchecked);
+        header.viewport()->update();
+        QTRY_VERIFY(drawnIcon() != plain);
+        view.proxyModel()->setFilterState("Unregistered", Qt::Checked);
+        header.viewport()->update();
+        QTRY_COMPARE(drawnIcon(), plain);
+    }
 };
-
-void TreePaintingTest::delegatesDrawTheIconCentredAndHalfOpaqueUnlessHovered()
-{
-    fast::VdsTreeView vds;
-    fast::VdsTreeDelegate delegate(vds.proxyModel());
-    fast::OsduTreeView osdu;
-    fast::OsduTreeDelegate osduDelegate(osdu.proxyModel());
-    for (fast::FastTreeView* view : std::initializer_list<fast::FastTreeView*>{&vds, &osdu}) {
-        view->model()->addVds(registeredVolume());
-        view->model()->addVds(unregisteredVolume());
-        view->setConnectedToFast(true);
-        view->refresh();
-    }
-
-    const QModelIndex icon = cellAt(vds, {0}, 2);
-    QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 0.5));
-    delegate.setHoveredIndex(icon);
-    QCOMPARE(paintCell(delegate, icon), expectedCell(":/light/delete24.png", 1.0));
-    QCOMPARE(paintCell(delegate, cellAt(vds, {0, 0, 0}, 2)), expectedCell(":/light/delete24.png", 0.5));
-    // The "Id" row's column 2 carries no action: blank, not even a background.
-    QCOMPARE(paintCell(delegate, cellAt(vds, {0, 1}, 2)), blankCell());
-    QStyleOptionViewItem option;
-    QCOMPARE(delegate.sizeHint(option, icon), QSize(30, 30));
-    QCOMPARE(delegate.sizeHint(option, cellAt(vds, {0}, 0)).height(), 30);
-
-    // The OSDU tree shows the mount state, and unmount only for a registered dataset.
-    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0}, 2)), expectedCell(":/light/down_ko.png", 0.5));
-    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0}, 3)), expectedCell(":/light/delete24.png", 0.5));
-    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {1}, 2)), expectedCell(":/light/down_ok.png", 0.5));
-    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {1}, 3)), blankCell());
-    QCOMPARE(paintCell(osduDelegate, cellAt(osdu, {0, 1}, 3)), blankCell());
-}
-
-void TreePaintingTest::delegatesDrawNothingForAForeignModel()
-{
-    QStandardItemModel foreign;
-    foreign.appendRow({new QStandardItem("text"), new QStandardItem("more"), new QStandardItem("x")});
-    foreign.item(0, 2)->setData(true, Qt::UserRole + 3);
-    QSortFilterProxyModel proxy;
-    proxy.setSourceModel(&foreign);
-    const fast::VdsTreeDelegate vdsDelegate(&proxy);
-    const fast::OsduTreeDelegate osduDelegate(&proxy);
-    for (int column = 0; column < 3; ++column) {
-        QCOMPARE(paintCell(vdsDelegate, proxy.index(0, column)), blankCell());
-        QCOMPARE(paintCell(osduDelegate, proxy.index(0, column)), blankCell());
-    }
-}
-
-void TreePaintingTest::popupChoicesDriveTheFilterAndAllFollowsThem()
-{
-    fast::OsduTreeView view;
-    view.model()->addVds(registeredVolume());
-    view.model()->addVds(unregisteredVolume());
-    view.setConnectedToFast(true);
-    view.refresh();
-    showExpanded(view);
-    const QAbstractItemModelTester proxyCheck(view.proxyModel(),
-                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
-    auto& header = static_cast<fast::FastHeaderView&>(*view.header());
-    QSignalSpy filtered(&header, &fast::FastHeaderView::filterColumns);
-
-    QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(10, header.height() / 2));
-    QVERIFY(header.popupWidget());
-    QCOMPARE(header.popupWidget()->findChildren<QCheckBox*>().size(), 3);
-    QCOMPARE(qobject_cast<QCheckBox*>(header.popupWidget()->layout()->itemAt(0)->widget())->text(), "All");
-    QCheckBox* all = popupBox(header, "All");
-    QCheckBox* registered = popupBox(header, "Registered");
-    QCOMPARE(all->checkState(), Qt::Checked);
-
-    clickBox(registered);
-    fast::FastSortFilterProxyModel& proxy = *view.proxyModel();
-    QCOMPARE(proxy.filterStates().value("Registered"), int(Qt::Unchecked));
-    QCOMPARE(proxy.rowCount(), 1);
-    QCOMPARE(proxy.index(0, 0).data().toString(), "fresh");
-    QCOMPARE(proxy.rowCount(proxy.index(0, 0)), 3); // its children come along
-    QCOMPARE(all->checkState(), Qt::PartiallyChecked);
-    QCOMPARE(filtered.size(), 1);
-    QVERIFY(header.isFilterActive(0));
-
-    clickBox(all);
-    QCOMPARE(all->checkState(), Qt::Checked);
-    QCOMPARE(registered->checkState(), Qt::Checked);
-    QCOMPARE(proxy.rowCount(), 2);
-    QVERIFY(!header.isFilterActive(0));
-
-    clickBox(popupBox(header, "Unregistered"));
-    QCOMPARE(proxy.rowCount(), 1);
-    QCOMPARE(proxy.index(0, 0).data().toString(), "cube");
-    QCOMPARE(proxy.rowCount(proxy.index(0, 0)), view.model()->rowCount(view.model()->index(0, 0)));
-    clickBox(all);
-    clickBox(all);
-    QCOMPARE(popupBox(header, "Unregistered")->checkState(), Qt::Unchecked);
-    QCOMPARE(proxy.rowCount(), 0);
-
-    // The VDS tree offers no filter: a click on its header opens nothing.
-    fast::VdsTreeView vdsView;
-    showExpanded(vdsView);
-    auto& vdsHeader = static_cast<fast::FastHeaderView&>(*vdsView.header());
-    QTest::mouseClick(vdsHeader.viewport(), Qt::LeftButton, {}, QPoint(10, vdsHeader.height() / 2));
-    QVERIFY(!vdsHeader.popupWidget());
-
-    // Over a model that is not a volume tree, nothing passes.
-    QStandardItemModel plain(2, 1);
-    fast::FastSortFilterProxyModel other;
-    other.setSourceModel(&plain);
-    QCOMPARE(other.rowCount(), 0);
-}
-
-void TreePaintingTest::filterIconIsHighlightedWhileAnythingIsHidden()
-{
-    fast::OsduTreeView view;
-    view.setConnectedToFast(true);
-    showExpanded(view);
-    auto& header = static_cast<fast::FastHeaderView&>(*view.header());
-    const QRect iconRect = header.getDrawingRect(
-        QRect(header.sectionViewportPosition(0), 0, header.sectionSize(0), header.height()));
-    const auto drawnIcon = [&] { return header.viewport()->grab().toImage().copy(iconRect); };
-    // Hovering highlights too: start with the mouse elsewhere.
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(header.viewport(), &leave);
-    QCOMPARE(header.getHoverIndex(), -1);
-
-    const QImage plain = drawnIcon();
-    view.proxyModel()->setFilterState("Unregistered", Qt::Unchecked);
-    header.viewport()->update();
-    QTRY_VERIFY(drawnIcon() != plain);
-    view.proxyModel()->setFilterState("Unregistered", Qt::Checked);
-    header.viewport()->update();
-    QTRY_COMPARE(drawnIcon(), plain);
-}
 
 QTEST_MAIN(TreePaintingTest)
 #include "tst_treepainting.moc"

@@ -29,15 +29,17 @@ QString describe(const std::vector<VdsInfo>& infos)
 
 const char* const kVolumes = R"([{"id":"1","url":"s3://b/c"},{"id":2,"url":"/d/e.vds"},{}])";
 
+enum Call { Volumes, Files, Value, Range };
+
 // "Kind: message" for what the entry point threw on the input, "" for nothing.
-QString run(const QString& call, const std::string& input)
+QString run(int call, const std::string& input)
 {
     try {
-        if (call == "volumes")
+        if (call == Volumes)
             fast::parseVdsInfos(input, "");
-        else if (call == "files")
+        else if (call == Files)
             fast::parseVdsInfos(kVolumes, input);
-        else if (call == "value")
+        else if (call == Value)
             fast::jsonValue("id", input);
         else
             fast::parseSubvolumeRange(input);
@@ -132,38 +134,26 @@ private Q_SLOTS:
 
     void irregularShapesThrowTheDocumentedExceptions_data()
     {
-        QTest::addColumn<QString>("call");
+        QTest::addColumn<int>("call");
         QTest::addColumn<QString>("input");
         QTest::addColumn<QString>("thrown");
-
         const QString badCast = "^BadCast: Can not convert \\S+ to \\S+\\.$";
         const QString null = "^InvalidAccess: Can not convert empty value\\.$";
-        QTest::newRow("listing is an object") << "volumes"
-                                              << "{}" << badCast;
-        QTest::newRow("value of an array") << "value"
-                                           << "[1]" << badCast;
-        QTest::newRow("volume id is null") << "volumes"
-                                           << R"([{"id":null}])" << null;
-        QTest::newRow("value is null") << "value"
-                                       << R"({"id":null})" << null;
-        QTest::newRow("volume is not an object") << "volumes"
-                                                 << "[1]"
-                                                 << "^NullPointer: ";
-        QTest::newRow("file entry is null") << "files"
-                                            << "[null]"
-                                            << "^NullPointer: ";
+        const QString nullPointer = "^NullPointer: ", json = "^JSON: ";
+        QTest::newRow("listing is an object") << int(Volumes) << "{}" << badCast;
+        QTest::newRow("value of an array") << int(Value) << "[1]" << badCast;
+        QTest::newRow("volume id is null") << int(Volumes) << R"([{"id":null}])" << null;
+        QTest::newRow("value is null") << int(Value) << R"({"id":null})" << null;
+        QTest::newRow("volume is not an object") << int(Volumes) << "[1]" << nullPointer;
+        QTest::newRow("file entry is null") << int(Files) << "[null]" << nullPointer;
         // The parser takes only an object or an array as the root.
-        QTest::newRow("root is null") << "files"
-                                      << " null"
-                                      << "^JSON: ";
-        QTest::newRow("number out of range") << "range"
-                                             << R"({"properties":1e400})"
-                                             << "^JSON: ";
+        QTest::newRow("root is null") << int(Files) << " null" << json;
+        QTest::newRow("number out of range") << int(Range) << R"({"properties":1e400})" << json;
     }
 
     void irregularShapesThrowTheDocumentedExceptions()
     {
-        QFETCH(QString, call);
+        QFETCH(int, call);
         QFETCH(QString, input);
         QFETCH(QString, thrown);
         const QString actual = run(call, input.toStdString());

@@ -51,15 +51,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("url");
 
         QTest::newRow("region removed") << "s3://bucket.s3.eu-west-1.amazonaws.com/survey/cube/"
-                                        << "https://bucket.s3.amazonaws.com/survey/cube";
-        QTest::newRow("no domain: every scheme replaced, one slash dropped") << "s3://bucket/s3:survey//"
-                                                                             << "https://bucket/https:survey/";
-        QTest::newRow("first s3 wins, even inside a name") << "s3://mys3data.s3.us-east-2.amazonaws.com/x"
-                                                           << "https://mys3.amazonaws.com/x";
-        QTest::newRow("domain before the first s3 erases the rest") << "https://data.amazonaws.com/s3/cube/"
-                                                                    << "https://data.amazonaws.com/s3";
-        QTest::newRow("empty") << ""
-                               << "";
+                                        << QString("https://bucket.s3.amazonaws.com/survey/cube");
+        QTest::newRow("no domain: every scheme replaced, one slash dropped")
+            << "s3://bucket/s3:survey//" << QString("https://bucket/https:survey/");
+        QTest::newRow("first s3 wins, even inside a name")
+            << "s3://mys3data.s3.us-east-2.amazonaws.com/x" << QString("https://mys3.amazonaws.com/x");
+        QTest::newRow("domain before the first s3 erases the rest")
+            << "https://data.amazonaws.com/s3/cube/" << QString("https://data.amazonaws.com/s3");
+        QTest::newRow("empty") << "" << QString();
     }
 
     void modifyVdsFilepathMakesAnHttpsUrl()
