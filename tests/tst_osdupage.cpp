@@ -129,19 +129,18 @@ void OsduPageTest::aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits()
     const int grants = m_osdu->issuedTokens().refreshGrants;
     QVERIFY(!signInChoosesBrowser());
     QCOMPARE(m_osdu->issuedTokens().refreshGrants, grants + 1);
-
-    QSettings settings;
-    const QVariant expiry = settings.value("AWS/OSDU_REFRESH_TOKEN_EXPIRY");
-    const QVariant hash = settings.value("AWS/OSDU_REFRESH_TOKEN_HASH");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", QDateTime::currentDateTime());
-    QVERIFY2(signInChoosesBrowser(), "a token that expires now is no longer used");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", expiry);
-    m_fast->settings().set("AWS", "OSDU_CLIENT_SECRET", "changed");
-    QVERIFY2(signInChoosesBrowser(), "a changed secret makes the stored token foreign");
-    m_fast->settings().set("AWS", "OSDU_CLIENT_SECRET", "fast-panel-secret");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_HASH", "c29tZW9uZSBlbHNl");
-    QVERIFY2(signInChoosesBrowser(), "a token stored for other credentials is not used");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_HASH", hash);
+    // A token that expires now, one stored for another secret or other credentials: not used.
+    const std::vector<std::pair<const char*, QVariant>> foreign{{"AWS/OSDU_REFRESH_TOKEN_EXPIRY",
+                                                                 QDateTime::currentDateTime()},
+                                                                {"AWS/OSDU_CLIENT_SECRET", "changed"},
+                                                                {"AWS/OSDU_REFRESH_TOKEN_HASH", "c29tZW9uZSBlbHNl"}};
+    for (const auto& [key, value] : foreign) {
+        QSettings settings;
+        const QVariant kept = settings.value(key);
+        settings.setValue(key, value);
+        QVERIFY2(signInChoosesBrowser(), key);
+        settings.setValue(key, kept);
+    }
 }
 
 void OsduPageTest::aSignInFailureWithoutDetailsShowsTheMessageAlone()
@@ -160,7 +159,6 @@ void OsduPageTest::searchFiltersByNameDescriptionAndId()
     QCOMPARE(resultNames(*m_page),
              QStringList({"Volume 0001", "Volume 0002", "Volume 0003", "Volume 0004", "Volume 0005"}));
     QCOMPARE(q(m_page->treeView()->model()->vdsAt(1)->vdsId), q(vdsId));
-    QCOMPARE(q(m_page->treeView()->model()->vdsAt(1)->url), q(seededUrl(2)));
     QVERIFY(m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
 
     searchFor("SEISMIC VOLUME 4,");

@@ -1,8 +1,5 @@
-// How long an OSDU session lasts against the emulator, which can misbehave on purpose: what is
-// kept for the next run when a renewal keeps or rotates the refresh token, and what the page does
-// when a session can no longer be renewed. The prompt that makes a strict server issue a refresh
-// token at all is tested against a third-party server (tst_thirdpartysignin). The page's cases use
-// the one initializer of the process.
+// How long an OSDU session lasts against the emulator: what a renewal leaves for the next run,
+// and what the page does when a session can no longer be renewed.
 
 #include "FastEmulatorFixture.h"
 #include "MessageBoxAnswerer.h"
@@ -48,56 +45,49 @@ class OsduSessionTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aRenewalThatKeepsTheTokenKeepsItsExpiry();
-    void aTokenRotatedByARenewalIsKeptForTheNextRun();
+    void aRenewedTokenIsKeptForTheNextRun_data();
+    void aRenewedTokenIsKeptForTheNextRun();
     void anEndedSessionIsToldAndConnectSignsInAgain();
 };
 
-void OsduSessionTest::aRenewalThatKeepsTheTokenKeepsItsExpiry()
+void OsduSessionTest::aRenewedTokenIsKeptForTheNextRun_data()
 {
-    TestSettings settings;
-    emulator::OsduEmulatorOptions options;
-    options.rotateRefreshTokens = false;
-    options.announceRefreshTokenLifetime = false;
-    const auto osdu = startOsduEmulator(settings, options, 0);
-    {
-        OsduFastInitializer first(OsduFastInitializer::AWS);
-        QVERIFY(signIn(first));
-    }
-    const QString token = stored("OSDU_REFRESH_TOKEN").toString();
-    const QDateTime expiry = stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime();
-    QVERIFY(!token.isEmpty() && expiry.isValid());
-    // As if that first run had been a week ago.
-    QSettings().setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", expiry.addDays(-7));
-
-    OsduFastInitializer later(OsduFastInitializer::AWS);
-    QVERIFY(signsInWithoutBrowser(*later.authProvider()));
-    QCOMPARE(osdu->issuedTokens().refreshGrants, 1);
-    QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), token);
-    QCOMPARE(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime(), expiry.addDays(-7));
+    QTest::addColumn<bool>("rotates");
+    QTest::newRow("renewals keep the refresh token and its expiry") << false;
+    QTest::newRow("renewals rotate it") << true;
 }
 
-void OsduSessionTest::aTokenRotatedByARenewalIsKeptForTheNextRun()
+void OsduSessionTest::aRenewedTokenIsKeptForTheNextRun()
 {
+    QFETCH(bool, rotates);
     TestSettings settings;
-    const auto osdu = startOsduEmulator(settings, {}, 0);
+    emulator::OsduEmulatorOptions options;
+    options.rotateRefreshTokens = rotates;
+    options.announceRefreshTokenLifetime = false;
+    const auto osdu = startOsduEmulator(settings, options, 0);
     // The token signed in with is already due for renewal at its first use.
     osdu->setAccessTokenLifetime(std::chrono::seconds(1));
+    QDateTime weekAgo;
     {
         OsduFastInitializer first(OsduFastInitializer::AWS);
         QVERIFY(signIn(first));
         const QString signedIn = stored("OSDU_REFRESH_TOKEN").toString();
+        // As if that sign-in had been a week ago.
+        weekAgo = stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime().addDays(-7);
+        QSettings().setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", weekAgo);
         // As a search's request does, on a thread of its own.
         std::unique_ptr<QThread> search(QThread::create([&first] { first.authProvider()->accessToken(); }));
         search->start();
         QVERIFY(search->wait(kLimitMs));
-        QTRY_VERIFY(stored("OSDU_REFRESH_TOKEN").toString() != signedIn);
+        QTRY_COMPARE(osdu->issuedTokens().refreshGrants, 1);
+        QTRY_COMPARE(stored("OSDU_REFRESH_TOKEN").toString() != signedIn, rotates);
         QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), first.authProvider()->refreshToken());
     }
-    // The rotated-out token is dead: only the kept one signs the next run in without a browser.
+    // A rotated-out token is dead: only the kept one signs the next run in without a browser.
     OsduFastInitializer later(OsduFastInitializer::AWS);
     QVERIFY(signsInWithoutBrowser(*later.authProvider()));
     QCOMPARE(osdu->issuedTokens().refreshGrants, 2);
+    QCOMPARE(stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime() == weekAgo, !rotates);
 }
 
 void OsduSessionTest::anEndedSessionIsToldAndConnectSignsInAgain()
