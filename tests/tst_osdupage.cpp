@@ -58,8 +58,6 @@ private Q_SLOTS:
     void aFastListingItCannotReadLeavesTheResultsUnregistered_data();
     void aFastListingItCannotReadLeavesTheResultsUnregistered();
     void closingThePageDuringASearchDropsItsResults();
-    void aFoundDatasetIsMountedThroughFast();
-    void fastRefusingTheRegistrationStopsTheMount();
     void anUnmountedDatasetShowsAsUnregisteredAgain_data();
     void anUnmountedDatasetShowsAsUnregisteredAgain();
     void theDatasetsComeBackWithFastAsFastNowKnowsThem();
@@ -279,34 +277,6 @@ void OsduPageTest::onlyTheFirstThousandHitsAreExamined()
     searchFor("");
     QCOMPARE(resultLabel(*m_page), "1000 result(s) found");
     QCOMPARE(bus.texts(Trace).filter("About to query the record with id=").size(), 1000);
-}
-
-void OsduPageTest::aFoundDatasetIsMountedThroughFast()
-{
-    searchFor("volume 0001");
-    QSignalSpy added(m_page.get(), &fast::OsduWidget::addToExtraDataManager);
-    const std::size_t files = m_fast->emulator().service().files().size();
-    clickIcon(2);
-    QTRY_VERIFY(openMountDialog(m_page.get()));
-    answerMountDialog(m_page.get(), "north", "Save");
-    QTRY_COMPARE(added.size(), 1);
-    QCOMPARE(added.first().at(0).toString(), "north");
-    QCOMPARE(added.first().at(1).value<fast::eVdsLocation>(), fast::OSDU);
-    QCOMPARE(m_fast->emulator().service().files().size(), files + 1);
-    QVERIFY(!m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
-}
-
-void OsduPageTest::fastRefusingTheRegistrationStopsTheMount()
-{
-    searchFor("volume 0004");
-    m_fast->emulator().setFault("POST", "/api/v2/vds/", emulator::Fault{409, 0, std::string("known")});
-    MessageBoxAnswerer boxes;
-    EventBusRecorder bus;
-    clickIcon(2);
-    QTRY_COMPARE(boxes.summaries(), QStringList(kRegistrationBox));
-    QVERIFY(bus.texts(Information).last().endsWith("already registered in Bluware FAST™."));
-    QVERIFY(!openMountDialog(m_page.get()));
-    m_fast->emulator().clearFaults();
 }
 
 void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain_data()

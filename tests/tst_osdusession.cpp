@@ -103,29 +103,20 @@ void OsduSessionTest::anEndedSessionIsToldAndConnectSignsInAgain()
     const QString ended = "OSDU session ended: The OSDU™ Data Platform session has ended. Press « Connect » to sign "
                           "in again.";
 
-    const std::vector<std::pair<const char*, std::function<void()>>> endings{
-        {"no refresh token was issued", [&osdu] { osdu->setRefreshTokenOnlyWithConsent(true); }},
-        {"the renewal is refused", [&osdu] { osdu->setTokenFault(emulator::TokenFault::Refuse); }},
-        {"a renewed token is turned away", [&osdu] { osdu->rejectDataRequests(); }},
-    };
-    bool signedIn = false;
-    for (const auto& [how, end] : endings) {
-        MessageBoxAnswerer boxes;
-        end();
-        // The first ending comes with the sign-in itself.
-        QVERIFY2(signedIn ? search(page) : connectAndSearch(page, *provider), how);
-        QTRY_COMPARE(boxes.summaries(), QStringList(ended));
-        QCOMPARE(resultLabel(page), "No result");
-        QVERIFY2(connectButton(page)->isEnabled(), how);
+    MessageBoxAnswerer boxes;
+    // A server that keeps refresh tokens for those who asked for consent gives this sign-in none:
+    // its access token cannot be renewed. (A renewal refused or turned away: tst_faults_osdu.)
+    osdu->setRefreshTokenOnlyWithConsent(true);
+    QVERIFY(connectAndSearch(page, *provider));
+    QTRY_COMPARE(boxes.summaries(), QStringList(ended));
+    QCOMPARE(resultLabel(page), "No result");
+    QVERIFY(connectButton(page)->isEnabled());
 
-        osdu->clearFaults();
-        osdu->setRefreshTokenOnlyWithConsent(false);
-        QVERIFY2(connectAndSearch(page, *provider), how);
-        QCOMPARE(resultLabel(page), "3 result(s) found");
-        QVERIFY(!connectButton(page)->isEnabled());
-        QCOMPARE(boxes.boxes().size(), 1);
-        signedIn = true;
-    }
+    osdu->setRefreshTokenOnlyWithConsent(false);
+    QVERIFY(connectAndSearch(page, *provider));
+    QCOMPARE(resultLabel(page), "3 result(s) found");
+    QVERIFY(!connectButton(page)->isEnabled());
+    QCOMPARE(boxes.boxes().size(), 1);
 }
 
 QTEST_MAIN(OsduSessionTest)

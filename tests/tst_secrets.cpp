@@ -1,9 +1,9 @@
-// Secrets stay secret. Through a sign-in in the browser and one with the stored session, a search
-// with token renewals and sign-ins that fail, no client secret, code or token turns up in an
-// event-bus message, a signal's or exception's text, a message box, a Qt log message or a file the
-// program wrote, except the refresh token in its own settings record (checked at the end of every
-// run, whichever cases it ran). The sign-in's listener takes connections on loopback only, and
-// only while a sign-in waits for it.
+// Secrets stay secret. Through a sign-in in the browser, one with the stored session and a search
+// with token renewals, no client secret, code or token turns up in an event-bus message, a
+// signal's text, a message box, a Qt log message or a file the program wrote, except the refresh
+// token in its own settings record (checked at the end of every run, whichever cases it ran). The
+// sign-in's listener takes connections on loopback only, and only while a sign-in waits for it.
+// Sign-ins that fail: tst_osduclient, which looks for secrets in what they say.
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
@@ -18,7 +18,6 @@
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/OsduWidget.h>
 
-#include <osdu/AWSOsduAuthProvider.h>
 #include <osdu/OsduAuthProvider.h>
 
 #include <QDirIterator>
@@ -73,9 +72,6 @@ private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
     void thisRunSignsInWithTheStoredSessionAndSearches();
-    void failedBrowserSignInsLeaveNothingListening_data();
-    void failedBrowserSignInsLeaveNothingListening();
-    void aSpentStoredSessionIsRefused();
 
 private:
     // Keeps whatever the provider says, for cleanupTestCase to search.
@@ -147,73 +143,6 @@ void SecretsTest::thisRunSignsInWithTheStoredSessionAndSearches()
     QVERIFY(search(*m_page));
     QCOMPARE(resultLabel(*m_page), "4 result(s) found");
     QCOMPARE(m_osdu->issuedTokens().refreshGrants, grants + 2);
-}
-
-void SecretsTest::failedBrowserSignInsLeaveNothingListening_data()
-{
-    QTest::addColumn<bool>("silentTokenEndpoint");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<QString>("details");
-    QTest::newRow("refused by the authorization server") << false << "Sign-in was refused by the authorization server"
-                                                         << "invalid_request: code_challenge_method must be S256";
-    QTest::newRow("code exchange timed out") << true << "Unable to reach the authorization server"
-                                             << "Operation timed out";
-}
-
-void SecretsTest::failedBrowserSignInsLeaveNothingListening()
-{
-    QFETCH(bool, silentTokenEndpoint);
-    QFETCH(QString, message);
-    QFETCH(QString, details);
-    osdu::AWSOsduAuthProvider provider;
-    provider.initialize({kClientId,
-                         kClientSecret,
-                         m_osdu->authorizeUrl(),
-                         m_osdu->tokenUrl(),
-                         "openid email",
-                         {},
-                         "http://127.0.0.1",
-                         0,
-                         {},
-                         {}});
-    const auto weakenedChallenge = replacingQueryItem("code_challenge_method", "plain");
-    provider.setBrowserOpener(m_browser.opener(silentTokenEndpoint ? testBrowser() : testBrowser(weakenedChallenge)));
-    hear(&provider);
-    QSignalSpy failed(&provider, &osdu::OsduAuthProvider::error);
-    if (silentTokenEndpoint)
-        m_osdu->setDelay("/oauth2/token", 3000);
-    QVERIFY(provider.authorizeAsync(1000));
-    QVERIFY(failed.wait(15000));
-    m_osdu->clearFaults();
-
-    QCOMPARE(failed.at(0).at(0).toString(), message);
-    QVERIFY2(failed.at(0).at(1).toString().startsWith(details), qPrintable(failed.at(0).at(1).toString()));
-    QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
-}
-
-void SecretsTest::aSpentStoredSessionIsRefused()
-{
-    // A copy of the stored session (a settings backup put back, say) whose token a run since spent.
-    const QVariant copy = QSettings().value("AWS/OSDU_REFRESH_TOKEN");
-    {
-        OsduFastInitializer spender(OsduFastInitializer::AWS);
-        QVERIFY(signsInWithoutBrowser(*spender.authProvider()));
-    }
-    QVERIFY(QSettings().value("AWS/OSDU_REFRESH_TOKEN") != copy);
-    QSettings().setValue("AWS/OSDU_REFRESH_TOKEN", copy);
-    OsduFastInitializer laterRun(OsduFastInitializer::AWS);
-    const std::shared_ptr<osdu::OsduAuthProvider> provider = laterRun.authProvider();
-    hear(provider.get());
-    QSignalSpy failed(provider.get(), &osdu::OsduAuthProvider::error);
-    QVERIFY(provider->authorizeAsync(5000));
-    QVERIFY(failed.wait(15000));
-    QCOMPARE(failed.at(0).at(1).toString(), "invalid_grant: Unknown or already used refresh token");
-    try {
-        provider->accessToken();
-        QFAIL("a refused session gives no access token");
-    } catch (const std::exception& failure) {
-        m_said << QString::fromUtf8(failure.what());
-    }
 }
 
 void SecretsTest::cleanupTestCase()
