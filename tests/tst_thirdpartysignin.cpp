@@ -61,7 +61,7 @@ void ThirdPartySignInTest::initTestCase()
     m_server = std::make_unique<OidcServer>(1, OidcClient{"fast-panel-aws", "aws-secret", "client_secret_basic"});
     QVERIFY2(m_server->isRunning(), qPrintable(m_server->failure()));
     emulator::OsduEmulatorOptions options;
-    options.userinfoUrl = m_server->endpoint("userinfo_endpoint").toStdString();
+    options.userinfoUrl = m_server->endpoint("/me").toStdString();
     m_osdu = std::make_unique<emulator::OsduEmulator>(options);
     m_osdu->seedDatasets(kDatasets);
     m_osdu->start();

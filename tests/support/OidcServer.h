@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonObject>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -31,8 +30,8 @@ public:
     // Empty when the server did not start; why is then in failure().
     bool isRunning() const { return !m_issuer.isEmpty(); }
     QString failure() const { return m_failure; }
-    // An endpoint of its discovery document: authorization_endpoint, token_endpoint...
-    QString endpoint(const char* name) const { return m_discovery.value(QLatin1String(name)).toString(); }
+    // Where its endpoints are, as its discovery document says: path "/auth", "/token" or "/me" (userinfo).
+    QString endpoint(const char* path) const { return m_issuer + QLatin1String(path); }
 
     // What it said of the token requests so far, one line each: "grant authorization_code",
     // "grant refresh_token", and "grant-error invalid_grant".
@@ -48,6 +47,5 @@ private:
     OidcClient m_client;
     QString m_issuer;
     QString m_failure;
-    QJsonObject m_discovery;
     QStringList m_events;
 };
