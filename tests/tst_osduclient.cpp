@@ -49,7 +49,8 @@ struct Signals
     QSignalSpy authorized, errors, infos;
 };
 
-emulator::OsduEmulatorOptions withSecret(const std::string& secret, const std::string& tokenType = "Bearer")
+// Its token type in an odd case, as any case is a bearer.
+emulator::OsduEmulatorOptions withSecret(const std::string& secret, const std::string& tokenType = "bEARer")
 {
     emulator::OsduEmulatorOptions options;
     options.clientSecret = secret;
@@ -61,7 +62,7 @@ emulator::OsduEmulatorOptions withSecret(const std::string& secret, const std::s
 struct Platform
 {
     explicit Platform(bool aws = false, const std::string& secret = Secret,
-                      std::function<QUrl(const QUrl&)> tamper = {}, const std::string& tokenType = "Bearer")
+                      std::function<QUrl(const QUrl&)> tamper = {}, const std::string& tokenType = "bEARer")
         : server(withSecret(secret, tokenType))
     {
         server.start();
@@ -125,8 +126,6 @@ private Q_SLOTS:
     void forgedOrMissingStateIsTurnedAwayAndTheSignInGoesOn();
     void plainHttpIsRefusedOffLoopback_data();
     void plainHttpIsRefusedOffLoopback();
-    void onlyABearerTokenIsTaken_data();
-    void onlyABearerTokenIsTaken();
     void everyFailureEndsInOneErrorInTheServersWords_data();
     void everyFailureEndsInOneErrorInTheServersWords();
     void threadsAskingTogetherRenewTheTokenOnce();
@@ -239,33 +238,6 @@ void OsduClientTest::plainHttpIsRefusedOffLoopback()
     QCOMPARE(platform.server.requests().size(), std::size_t(0));
 }
 
-void OsduClientTest::onlyABearerTokenIsTaken_data()
-{
-    QTest::addColumn<QString>("tokenType");
-    QTest::addColumn<QString>("error");
-    const QString notBearer = "Sign-in failed: the authorization server did not issue a bearer token: ";
-    QTest::newRow("bearer, any case") << "bEARer" << QString();
-    QTest::newRow("another type") << "MAC" << notBearer + "token_type \"MAC\"";
-    QTest::newRow("none") << "" << notBearer + "its answer has no token_type";
-}
-
-void OsduClientTest::onlyABearerTokenIsTaken()
-{
-    QFETCH(QString, tokenType);
-    QFETCH(QString, error);
-    Platform platform(false, Secret, {}, tokenType.toStdString());
-    Signals outcome(*platform.provider);
-    platform.provider->initialize(platform.params());
-    QVERIFY(platform.provider->authorizeAsync(TimeoutMs));
-    QTRY_COMPARE_WITH_TIMEOUT(outcome.authorized.count() + outcome.errors.count(), 1, TimeoutMs);
-    if (error.isEmpty()) {
-        QCOMPARE(outcome.authorized.count(), 1);
-        return;
-    }
-    QCOMPARE(outcome.errors[0][0].toString() + ": " + outcome.errors[0][1].toString(), error);
-    QVERIFY(platform.provider->refreshToken().isEmpty());
-}
-
 void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords_data()
 {
     QTest::addColumn<QString>("failure");
@@ -279,6 +251,9 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords_data()
     QTest::newRow("refused in the browser") << "plain"
                                             << "Sign-in was refused by the authorization server"
                                             << "invalid_request: code_challenge_method must be S256";
+    const QString notBearer = "Sign-in failed: the authorization server did not issue a bearer token";
+    QTest::newRow("another token type") << "MAC" << notBearer << "token_type \"MAC\"";
+    QTest::newRow("no token type") << "" << notBearer << "its answer has no token_type";
 }
 
 void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
@@ -286,8 +261,10 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
     QFETCH(QString, failure);
     QFETCH(QString, message);
     QFETCH(QString, details);
+    const bool tokenType = failure.isEmpty() || failure == "MAC";
     Platform platform(false, Secret,
-                      failure == "plain" ? replacingQueryItem("code_challenge_method", "plain") : nullptr);
+                      failure == "plain" ? replacingQueryItem("code_challenge_method", "plain") : nullptr,
+                      tokenType ? failure.toStdString() : "Bearer");
     osdu::OsduAuthProviderInitParams params = platform.params();
     QTcpServer squatter;
     QVERIFY(squatter.listen(QHostAddress::LocalHost));
@@ -300,9 +277,10 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
     QVERIFY(platform.provider->authorizeAsync(TimeoutMs));
     QTRY_COMPARE_WITH_TIMEOUT(outcome.errors.count(), 1, TimeoutMs);
 
-    QVERIFY2(outcome.errors[0][0].toString().startsWith(message), qPrintable(outcome.errors[0][0].toString()));
-    QVERIFY2(outcome.errors[0][1].toString().startsWith(details), qPrintable(outcome.errors[0][1].toString()));
+    QCOMPARE(outcome.errors[0][0].toString().left(message.size()), message);
+    QCOMPARE(outcome.errors[0][1].toString().left(details.size()), details);
     QCOMPARE(outcome.authorized.count(), 0);
+    QVERIFY(platform.provider->refreshToken().isEmpty());
     QVERIFY(!outcome.said().contains(kIssued) && !outcome.said().contains("panel-secret"));
     if (failure == "plain")
         QVERIFY(!acceptsConnections(QHostAddress::LocalHost, platform.watch.callbackPort()));

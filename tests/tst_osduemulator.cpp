@@ -81,18 +81,12 @@ QString codeOf(const Answer& authorized)
     return QUrlQuery(authorized.location).queryItemValue("code");
 }
 
-// Signs in, then sends body to the search with that bearer and partition ("" for the token signed in with).
-std::function<Answer(const std::string&, std::string, const std::string&)> searcher(const OsduEmulator& osdu)
+Answer search(const OsduEmulator& osdu, const std::string& token, const std::string& body,
+              const std::string& partition = "opendes")
 {
-    const std::string token = exchange(osdu, codeOf(authorize(osdu))).json()["access_token"].toString().toStdString();
-    return [&osdu, token](const std::string& body, std::string bearer, const std::string& partition) {
-        if (bearer.empty())
-            bearer = token;
-        return send(osdu.baseUrl() + "/api/search/v2/query",
-                    {"Authorization: Bearer " + bearer, "data-partition-id: " + partition,
-                     "Content-Type: application/json"},
-                    body.c_str());
-    };
+    return send(osdu.baseUrl() + "/api/search/v2/query",
+                {"Authorization: Bearer " + token, "data-partition-id: " + partition, "Content-Type: application/json"},
+                body.c_str());
 }
 
 } // namespace
@@ -147,22 +141,19 @@ void OsduEmulatorTest::searchNeedsAFreshBearerAndThePartitionAndBoundsThePage()
     // Long enough for the checks below, short enough not to hold the suite up.
     osdu.setAccessTokenLifetime(std::chrono::milliseconds(1500));
     osdu.start();
-    const auto search = searcher(osdu);
-    const auto status = [&search](const std::string& body, const std::string& bearer = {}) {
-        return search(body, bearer, "opendes").status;
-    };
+    const std::string token = exchange(osdu, codeOf(authorize(osdu))).json()["access_token"].toString().toStdString();
     const std::string kind = R"({"kind":"osdu:wks:dataset--FileCollection.Bluware.*:1.0.0")";
-    const Answer page = search(kind + R"(,"limit":1000,"offset":100})", {}, "opendes");
-    QCOMPARE(page.json()["totalCount"].toInt(), 1200);
-    QCOMPARE(page.json()["results"].toArray().first()["id"].toString(),
+    const QJsonObject page = search(osdu, token, kind + R"(,"limit":1000,"offset":100})").json();
+    QCOMPARE(page["totalCount"].toInt(), 1200);
+    QCOMPARE(page["results"].toArray().first()["id"].toString(),
              "opendes:dataset--FileCollection.Bluware.OpenVDS:vol-0101");
-    QCOMPARE(search(R"({"kind":"osdu:wks:dataset--*:2.0.0"})", {}, "opendes").json()["totalCount"].toInt(), 0);
-    QCOMPARE(status(kind + R"(,"limit":1001})"), 400L);
-    QCOMPARE(status(kind + R"(,"limit":1000,"offset":9001})"), 400L);
-    QCOMPARE(status(R"({"kind":"FileCollection"})"), 400L);
-    QCOMPARE(status(kind + "}", "forged"), 401L);
-    QCOMPARE(search(kind + "}", {}, "").status, 400L);
-    QTRY_COMPARE(status(kind + "}"), 401L);
+    QCOMPARE(search(osdu, token, R"({"kind":"osdu:wks:dataset--*:2.0.0"})").json()["totalCount"].toInt(), 0);
+    for (const std::string& tooMuch : {kind + R"(,"limit":1001})", kind + R"(,"limit":1000,"offset":9001})",
+                                       std::string(R"({"kind":"FileCollection"})")})
+        QVERIFY2(search(osdu, token, tooMuch).status == 400, tooMuch.c_str());
+    QCOMPARE(search(osdu, "forged", kind + "}").status, 401L);
+    QCOMPARE(search(osdu, token, kind + "}", "").status, 400L);
+    QTRY_COMPARE(search(osdu, token, kind + "}").status, 401L);
 }
 
 QTEST_GUILESS_MAIN(OsduEmulatorTest)
