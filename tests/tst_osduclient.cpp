@@ -248,9 +248,12 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords_data()
                                          << "Unable to listen for the sign-in answer on port" << QString();
     QTest::newRow("no browser") << "browser"
                                 << "Unable to open the web browser for sign-in" << QString();
-    QTest::newRow("refused in the browser") << "plain"
-                                            << "Sign-in was refused by the authorization server"
-                                            << "invalid_request: code_challenge_method must be S256";
+    const QString refused = "Sign-in was refused by the authorization server";
+    QTest::newRow("refused in the browser")
+        << "plain" << refused << "invalid_request: code_challenge_method must be S256";
+    QTest::newRow("code for another verifier") << "challenge" << refused << "invalid_grant: The code_verifier does not";
+    QTest::newRow("wrong secret in the form") << "form" << refused << "invalid_client";
+    QTest::newRow("wrong secret by HTTP Basic") << "basic" << refused << "invalid_client";
     const QString notBearer = "Sign-in failed: the authorization server did not issue a bearer token";
     QTest::newRow("another token type") << "MAC" << notBearer << "token_type \"MAC\"";
     QTest::newRow("no token type") << "" << notBearer << "its answer has no token_type";
@@ -262,10 +265,15 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
     QFETCH(QString, message);
     QFETCH(QString, details);
     const bool tokenType = failure.isEmpty() || failure == "MAC";
-    Platform platform(false, Secret,
-                      failure == "plain" ? replacingQueryItem("code_challenge_method", "plain") : nullptr,
-                      tokenType ? failure.toStdString() : "Bearer");
+    std::function<QUrl(const QUrl&)> tamper;
+    if (failure == "plain")
+        tamper = replacingQueryItem("code_challenge_method", "plain");
+    if (failure == "challenge") // RFC 7636's example, for a verifier this client does not hold
+        tamper = replacingQueryItem("code_challenge", "E9Melhoa2OwvFrEMTJguCHaoeK1t8URWbuGJSstw-cM");
+    Platform platform(failure == "basic", Secret, tamper, tokenType ? failure.toStdString() : "Bearer");
     osdu::OsduAuthProviderInitParams params = platform.params();
+    if (failure == "form" || failure == "basic")
+        params.clientSecret = "guess";
     QTcpServer squatter;
     QVERIFY(squatter.listen(QHostAddress::LocalHost));
     if (failure == "port")
@@ -282,7 +290,7 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
     QCOMPARE(outcome.authorized.count(), 0);
     QVERIFY(platform.provider->refreshToken().isEmpty());
     QVERIFY(!outcome.said().contains(kIssued) && !outcome.said().contains("panel-secret"));
-    if (failure == "plain")
+    if (failure != "port" && failure != "browser")
         QVERIFY(!acceptsConnections(QHostAddress::LocalHost, platform.watch.callbackPort()));
     QVERIFY(platform.provider->authorizeAsync(TimeoutMs)); // the failed sign-in is over
 }
@@ -353,6 +361,14 @@ void OsduClientTest::searchAndStorageReadTheSeededDatasets()
                  search->query({"osdu:wks:*:*", 5, 0, {}}, "elsewhere");
              }),
              "Search failed with status 403: No access to the data partition elsewhere");
+    // The platform's bounds, which this client never oversteps: the emulator must hold them.
+    QVERIFY(search->query({"osdu:wks:dataset--*:2.0.0", 5, 0, {}}, "opendes").empty());
+    for (const auto& [kind, limit, offset, partition] :
+         {std::tuple("*:*:*:*", 1001, 0, "opendes"), std::tuple("*:*:*:*", 1000, 9001, "opendes"),
+          std::tuple("FileCollection", 5, 0, "opendes"), std::tuple("*:*:*:*", 5, 0, "")})
+        QVERIFY(failureOf([&] {
+                    search->query({kind, limit, offset, {}}, partition);
+                }).startsWith("Search failed with status 400"));
 }
 
 QTEST_MAIN(OsduClientTest)
