@@ -55,28 +55,24 @@ Answer send(const std::string& url, const std::vector<std::string>& headers = {}
     return answer;
 }
 
-std::string basic(const std::string& secret)
-{
-    return "Authorization: Basic " + QByteArray::fromStdString("fast-panel:" + secret).toBase64().toStdString();
-}
-
 Answer authorize(const OsduEmulator& osdu, const std::string& redirect = kCallback)
 {
     return send(osdu.authorizeUrl() + "?response_type=code&client_id=fast-panel&state=s&code_challenge=" + kChallenge
                 + "&code_challenge_method=S256&redirect_uri=" + redirect);
 }
 
-Answer exchange(const OsduEmulator& osdu, const QString& code, const std::string& verifier = kVerifier,
-                const std::string& header = basic("fast-panel-secret"), const std::string& form = {})
+Answer exchange(const OsduEmulator& osdu, const QString& code, const std::string& secret = "fast-panel-secret")
 {
-    const std::string body = "grant_type=authorization_code&code=" + code.toStdString() + "&code_verifier=" + verifier
-                             + "&redirect_uri=" + kCallback + form;
-    return send(osdu.tokenUrl(), {header}, body.c_str());
+    const std::string body = "grant_type=authorization_code&code=" + code.toStdString() + "&code_verifier=" + kVerifier
+                             + "&redirect_uri=" + kCallback;
+    return send(osdu.tokenUrl(),
+                {"Authorization: Basic " + QByteArray::fromStdString("fast-panel:" + secret).toBase64().toStdString()},
+                body.c_str());
 }
 
-QString codeOf(const Answer& authorized)
+QString authorizationCode(const OsduEmulator& osdu)
 {
-    return QUrlQuery(authorized.location).queryItemValue("code");
+    return QUrlQuery(authorize(osdu).location).queryItemValue("code");
 }
 
 } // namespace
@@ -94,8 +90,8 @@ void OsduEmulatorTest::aCodeIsSpentOnceByItsClientAndNeverSentOffLoopback()
 {
     OsduEmulator osdu;
     osdu.start();
-    const QString code = codeOf(authorize(osdu));
-    QCOMPARE(exchange(osdu, code, kVerifier, basic("guess")).status, 401L);
+    const QString code = authorizationCode(osdu);
+    QCOMPARE(exchange(osdu, code, "guess").status, 401L);
     QCOMPARE(exchange(osdu, code).status, 200L);
     QCOMPARE(exchange(osdu, code).json()["error"].toString(), "invalid_grant");
     const Answer remote = authorize(osdu, "http%3A%2F%2Fexample.com%2Fcallback");
@@ -108,7 +104,7 @@ void OsduEmulatorTest::dataRequestsNeedAFreshBearer()
     // Long enough for the checks below, short enough not to hold the suite up.
     osdu.setAccessTokenLifetime(std::chrono::milliseconds(1000));
     osdu.start();
-    const std::string token = exchange(osdu, codeOf(authorize(osdu))).json()["access_token"].toString().toStdString();
+    const std::string token = exchange(osdu, authorizationCode(osdu)).json()["access_token"].toString().toStdString();
     const auto status = [&osdu](const std::string& bearer) {
         return send(osdu.baseUrl() + "/api/search/v2/query",
                     {"Authorization: Bearer " + bearer, "data-partition-id: opendes", "Content-Type: application/json"},
