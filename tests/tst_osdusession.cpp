@@ -25,14 +25,6 @@ namespace {
 
 constexpr int kLimitMs = 30000;
 
-// Signs in once, as a run of the panel does, through the browser or the stored session.
-bool signIn(OsduFastInitializer& initializer)
-{
-    initializer.authProvider()->setBrowserOpener(testBrowser());
-    QSignalSpy authorized(initializer.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
-    return initializer.authProvider()->authorizeAsync(kLimitMs) && authorized.wait(kLimitMs);
-}
-
 QVariant stored(const char* key)
 {
     return QSettings().value(QStringLiteral("AWS/") + key);
@@ -70,7 +62,7 @@ void OsduSessionTest::aRenewedTokenIsKeptForTheNextRun()
     QDateTime weekAgo;
     {
         OsduFastInitializer first(OsduFastInitializer::AWS);
-        QVERIFY(signIn(first));
+        QVERIFY(signsIn(*first.authProvider(), testBrowser()));
         const QString signedIn = stored("OSDU_REFRESH_TOKEN").toString();
         // As if that sign-in had been a week ago.
         weekAgo = stored("OSDU_REFRESH_TOKEN_EXPIRY").toDateTime().addDays(-7);

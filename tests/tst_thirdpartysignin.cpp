@@ -1,9 +1,7 @@
-// Signing in with a third-party OpenID Connect provider instead of our emulator: a conformant
-// server (tests/oidc-server, installed by ./dev) with its own login and consent pages, PKCE
-// required, refresh tokens only when consent is prompted. Its access tokens last one second, so
-// that every use of one renews it first. The OSDU emulator holds the data and takes the provider's
-// access tokens, checking each at the provider's userinfo. (The Azure way of client
-// authentication: tst_osduclient and tst_osduconnect.)
+// Signing in with a third-party OpenID Connect provider instead of our emulator (tests/oidc-server):
+// its own login and consent pages, PKCE required, refresh tokens only when consent is prompted,
+// access tokens that last one second. The OSDU emulator holds the data and checks each access
+// token at the provider's userinfo. (The Azure way of client authentication: tst_osduclient.)
 
 #include "EventBusRecorder.h"
 #include "OidcServer.h"
@@ -26,14 +24,6 @@ using fast::OsduFastInitializer;
 namespace {
 
 constexpr int kDatasets = 3;
-
-// Signs in with browser; true once the provider says it is done.
-bool signIn(OsduFastInitializer& initializer, osdu::OsduAuthProvider::BrowserOpener browser)
-{
-    initializer.authProvider()->setBrowserOpener(std::move(browser));
-    QSignalSpy authorized(initializer.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
-    return initializer.authProvider()->authorizeAsync(kSignInLimitMs) && authorized.wait(kSignInLimitMs);
-}
 
 } // namespace
 
@@ -95,7 +85,7 @@ void ThirdPartySignInTest::signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser()
     {
         OsduFastInitializer first(OsduFastInitializer::AWS);
         const auto visit = std::make_shared<BrowserVisit>();
-        QVERIFY(signIn(first, testBrowser({}, visit)));
+        QVERIFY(signsIn(*first.authProvider(), testBrowser({}, visit)));
         QCOMPARE(visit->status, 200L);
         // Its login page, then its consent page (asked for by the prompt).
         QCOMPARE(visit->formsAnswered, 2);
@@ -117,12 +107,12 @@ void ThirdPartySignInTest::withoutAConsentPromptNoSessionIsKept()
     EventBusRecorder bus;
     OsduFastInitializer initializer(OsduFastInitializer::AWS);
     const auto visit = std::make_shared<BrowserVisit>();
-    QVERIFY(signIn(initializer, testBrowser({}, visit)));
+    QVERIFY(signsIn(*initializer.authProvider(), testBrowser({}, visit)));
     // Consent is still asked the first time; offline access is not granted without the prompt.
     QCOMPARE(visit->formsAnswered, 2);
     QVERIFY(!QSettings().contains("AWS/OSDU_REFRESH_TOKEN"));
     // Said once, not at every sign-in of the run.
-    QVERIFY(signIn(initializer, testBrowser()));
+    QVERIFY(signsIn(*initializer.authProvider(), testBrowser()));
     QCOMPARE(bus.texts(Information).filter("gave no refresh token").size(), 1);
     // The access token it did give has run out, and there is nothing to renew it with.
     QCOMPARE(datasetsFound(initializer), 0);

@@ -35,6 +35,8 @@ private:
 bool acceptsConnections(const QHostAddress& address, quint16 port);
 // A browser that must not be used: a sign-in that opens it has gone the wrong way.
 osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened);
+// Signs provider in with browser; false when that failed or did not end in time.
+bool signsIn(osdu::OsduAuthProvider& provider, osdu::OsduAuthProvider::BrowserOpener browser);
 // Signs provider in as a later run does, from its refresh token; false when that failed or
 // needed the browser.
 bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider);
