@@ -23,8 +23,6 @@ using fast::OsduFastInitializer;
 
 namespace {
 
-constexpr int kLimitMs = 30000;
-
 QVariant stored(const char* key)
 {
     return QSettings().value(QStringLiteral("AWS/") + key);
@@ -70,7 +68,7 @@ void OsduSessionTest::aRenewedTokenIsKeptForTheNextRun()
         // As a search's request does, on a thread of its own.
         std::unique_ptr<QThread> search(QThread::create([&first] { first.authProvider()->accessToken(); }));
         search->start();
-        QVERIFY(search->wait(kLimitMs));
+        QVERIFY(search->wait(kSignInLimitMs));
         QTRY_COMPARE(osdu->issuedTokens().refreshGrants, 1);
         QTRY_COMPARE(stored("OSDU_REFRESH_TOKEN").toString() != signedIn, rotates);
         QCOMPARE(stored("OSDU_REFRESH_TOKEN").toString(), first.authProvider()->refreshToken());
@@ -92,15 +90,12 @@ void OsduSessionTest::anEndedSessionIsToldAndConnectSignsInAgain()
     page.show();
     const auto provider = OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider();
     provider->setBrowserOpener(testBrowser());
-    const QString ended = "OSDU session ended: The OSDU™ Data Platform session has ended. Press « Connect » to sign "
-                          "in again.";
-
     MessageBoxAnswerer boxes;
     // A server that keeps refresh tokens for those who asked for consent gives this sign-in none:
     // its access token cannot be renewed. (A renewal refused or turned away: tst_faults_osdu.)
     osdu->setRefreshTokenOnlyWithConsent(true);
     QVERIFY(connectAndSearch(page, *provider));
-    QTRY_COMPARE(boxes.summaries(), QStringList(ended));
+    QTRY_VERIFY(boxes.summaries().value(0).startsWith("OSDU session ended: ")); // its text: tst_faults_osdu
     QCOMPARE(resultLabel(page), "No result");
     QVERIFY(connectButton(page)->isEnabled());
 

@@ -21,11 +21,7 @@
 
 using fast::OsduFastInitializer;
 
-namespace {
-
 constexpr int kDatasets = 3;
-
-} // namespace
 
 class ThirdPartySignInTest : public QObject
 {

@@ -15,10 +15,8 @@ struct OidcClient
     QString authMethod;
 };
 
-// The third-party OpenID Connect provider of tests/oidc-server, run by Node.js on a free
-// loopback port for the life of this object. Its client may redirect to
-// http://127.0.0.1/callback on any port. Its login and consent pages are its own; the test
-// browser answers them.
+// The third-party OpenID Connect provider of tests/oidc-server, run by Node.js on a free loopback
+// port for the life of this object. Its client may redirect to http://127.0.0.1/callback.
 class OidcServer
 {
 public:
