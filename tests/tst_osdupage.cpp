@@ -1,5 +1,5 @@
 // The OSDU page end to end: sign-in through a browser played by the test, the refresh token
-// kept for the next run, the search with its filter, and mounting a found dataset through FAST.
+// kept for the next run, the search with its filter, and the datasets as FAST knows them.
 // One initializer per process: initTestCase signs in with it, and every case builds on that.
 
 #include "EventBusRecorder.h"
@@ -55,11 +55,7 @@ private Q_SLOTS:
     void searchFiltersByNameDescriptionAndId();
     void platformTextsAreReadAsUtf8OnAnyMachine();
     void fetchesAtOnceTellWhatOneAtATimeTells();
-    void aFastListingItCannotReadLeavesTheResultsUnregistered_data();
-    void aFastListingItCannotReadLeavesTheResultsUnregistered();
     void closingThePageDuringASearchDropsItsResults();
-    void aFoundDatasetIsMountedThroughFast();
-    void fastRefusingTheRegistrationStopsTheMount();
     void anUnmountedDatasetShowsAsUnregisteredAgain_data();
     void anUnmountedDatasetShowsAsUnregisteredAgain();
     void theDatasetsComeBackWithFastAsFastNowKnowsThem();
@@ -68,8 +64,6 @@ private Q_SLOTS:
 
 private:
     void searchFor(const QString& filter);
-    // Clicks the icon in that column of the first result.
-    void clickIcon(int column);
     // Registers the seeded dataset with FAST and mounts one file of it as name.
     void mountSeeded(int number, const char* name);
 
@@ -99,13 +93,6 @@ void OsduPageTest::searchFor(const QString& filter)
     QVERIFY(search(*m_page));
 }
 
-void OsduPageTest::clickIcon(int column)
-{
-    auto* view = m_page->treeView();
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
-                      view->visualRect(view->QTreeView::model()->index(0, column)).center());
-}
-
 void OsduPageTest::mountSeeded(int number, const char* name)
 {
     const auto client = m_fast->client();
@@ -122,26 +109,23 @@ void OsduPageTest::aLaterRunSignsInFromTheStoredTokenOnlyWhenItStillFits()
         QSignalSpy authorized(later.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
         QSignalSpy failed(later.authProvider().get(), &osdu::OsduAuthProvider::error);
         later.authProvider()->authorizeAsync(kSignInLimitMs);
-        if (!QTest::qWaitFor([&] { return authorized.size() + failed.size() > 0; }, 2 * kSignInLimitMs))
-            qWarning("the sign-in neither succeeded nor failed");
-        return opened;
+        return QTest::qWaitFor([&] { return authorized.size() + failed.size() > 0; }, 2 * kSignInLimitMs) && opened;
     };
     const int grants = m_osdu->issuedTokens().refreshGrants;
     QVERIFY(!signInChoosesBrowser());
     QCOMPARE(m_osdu->issuedTokens().refreshGrants, grants + 1);
-
-    QSettings settings;
-    const QVariant expiry = settings.value("AWS/OSDU_REFRESH_TOKEN_EXPIRY");
-    const QVariant hash = settings.value("AWS/OSDU_REFRESH_TOKEN_HASH");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", QDateTime::currentDateTime());
-    QVERIFY2(signInChoosesBrowser(), "a token that expires now is no longer used");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", expiry);
-    m_fast->settings().set("AWS", "OSDU_CLIENT_SECRET", "changed");
-    QVERIFY2(signInChoosesBrowser(), "a changed secret makes the stored token foreign");
-    m_fast->settings().set("AWS", "OSDU_CLIENT_SECRET", "fast-panel-secret");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_HASH", "c29tZW9uZSBlbHNl");
-    QVERIFY2(signInChoosesBrowser(), "a token stored for other credentials is not used");
-    settings.setValue("AWS/OSDU_REFRESH_TOKEN_HASH", hash);
+    // A token that expires now, one stored for another secret or other credentials: not used.
+    const std::vector<std::pair<const char*, QVariant>> foreign{{"AWS/OSDU_REFRESH_TOKEN_EXPIRY",
+                                                                 QDateTime::currentDateTime()},
+                                                                {"AWS/OSDU_CLIENT_SECRET", "changed"},
+                                                                {"AWS/OSDU_REFRESH_TOKEN_HASH", "c29tZW9uZSBlbHNl"}};
+    for (const auto& [key, value] : foreign) {
+        QSettings settings;
+        const QVariant kept = settings.value(key);
+        settings.setValue(key, value);
+        QVERIFY2(signInChoosesBrowser(), key);
+        settings.setValue(key, kept);
+    }
 }
 
 void OsduPageTest::aSignInFailureWithoutDetailsShowsTheMessageAlone()
@@ -156,11 +140,9 @@ void OsduPageTest::searchFiltersByNameDescriptionAndId()
     // The second dataset is known to FAST already.
     const std::string vdsId = m_fast->client()->registerVds(seededUrl(2))->getMessage();
     searchFor("");
-    QCOMPARE(resultLabel(*m_page), "5 result(s) found");
     QCOMPARE(resultNames(*m_page),
              QStringList({"Volume 0001", "Volume 0002", "Volume 0003", "Volume 0004", "Volume 0005"}));
     QCOMPARE(q(m_page->treeView()->model()->vdsAt(1)->vdsId), q(vdsId));
-    QCOMPARE(q(m_page->treeView()->model()->vdsAt(1)->url), q(seededUrl(2)));
     QVERIFY(m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
 
     searchFor("SEISMIC VOLUME 4,");
@@ -220,95 +202,25 @@ void OsduPageTest::fetchesAtOnceTellWhatOneAtATimeTells()
     QCOMPARE(atOnce.second.filter("Unable to query the record").size(), 2);
 }
 
-void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered_data()
-{
-    QTest::addColumn<QString>("route");
-    QTest::addColumn<QString>("body");
-    // Not a syntax error: POCO refuses the shape with an exception of another kind.
-    QTest::newRow("volume listing an object") << "/api/v2/vds/"
-                                              << R"({"oops":1})";
-    QTest::newRow("file listing not JSON") << "/api/v2/file/"
-                                           << "<html>502</html>";
-}
-
-void OsduPageTest::aFastListingItCannotReadLeavesTheResultsUnregistered()
-{
-    QFETCH(QString, route);
-    QFETCH(QString, body);
-    m_fast->client()->registerVds(seededUrl(2));
-    m_fast->emulator().setFault("GET", route.toStdString(), answering(body.toStdString()));
-    MessageBoxAnswerer boxes;
-    EventBusRecorder bus;
-    searchFor("volume 0002");
-    m_fast->emulator().clearFaults();
-
-    QCOMPARE(boxes.boxes().size(), 1);
-    QVERIFY2(boxes.summaries().first().startsWith("Unable to list VDS: Unable to parse JSON to get VDS list: "),
-             qPrintable(boxes.summaries().first()));
-    QVERIFY(bus.texts(Trace).contains("FAST OSDU onSearchDone JSONException 149"));
-    QCOMPARE(resultNames(*m_page), QStringList{"Volume 0002"});
-    QVERIFY(m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
-    QVERIFY(!QApplication::overrideCursor());
-    QVERIFY(searchButton(*m_page)->isEnabled());
-}
-
 void OsduPageTest::closingThePageDuringASearchDropsItsResults()
 {
     auto* page = new fast::OsduWidget(m_fast->client(), m_fast->projectDir());
     page->userAuthorized(); // signed in already: the process-wide session serves this page too
     m_osdu->setDelay("/api/search/v2/query", 300);
-    const auto fetches = [this] {
-        int count = 0;
-        for (const auto& request : m_osdu->requests())
-            count += request.target.rfind("/api/storage/v2/records/", 0) == 0 ? 1 : 0;
-        return count;
-    };
-    m_osdu->clearRequests();
     QTest::mouseClick(searchButton(*page), Qt::LeftButton);
+    QCOMPARE(fast::SearchInput::runningSearches(), 1);
     delete page;
     QVERIFY(!QApplication::overrideCursor());
-
     // The search goes on without its page; its results must not reach it.
-    QTRY_COMPARE_WITH_TIMEOUT(fetches(), static_cast<int>(m_osdu->recordCount()), 30000);
-    QTRY_COMPARE(fast::SearchInput::runningSearches(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(fast::SearchInput::runningSearches(), 0, 30000);
     m_osdu->clearFaults();
 }
 
 void OsduPageTest::onlyTheFirstThousandHitsAreExamined()
 {
     m_osdu->seedDatasets(1000);
-    EventBusRecorder bus;
     searchFor("");
     QCOMPARE(resultLabel(*m_page), "1000 result(s) found");
-    QCOMPARE(bus.texts(Trace).filter("About to query the record with id=").size(), 1000);
-}
-
-void OsduPageTest::aFoundDatasetIsMountedThroughFast()
-{
-    searchFor("volume 0001");
-    QSignalSpy added(m_page.get(), &fast::OsduWidget::addToExtraDataManager);
-    const std::size_t files = m_fast->emulator().service().files().size();
-    clickIcon(2);
-    QTRY_VERIFY(openMountDialog(m_page.get()));
-    answerMountDialog(m_page.get(), "north", "Save");
-    QTRY_COMPARE(added.size(), 1);
-    QCOMPARE(added.first().at(0).toString(), "north");
-    QCOMPARE(added.first().at(1).value<fast::eVdsLocation>(), fast::OSDU);
-    QCOMPARE(m_fast->emulator().service().files().size(), files + 1);
-    QVERIFY(!m_page->treeView()->model()->vdsAt(0)->vdsId.empty());
-}
-
-void OsduPageTest::fastRefusingTheRegistrationStopsTheMount()
-{
-    searchFor("volume 0004");
-    m_fast->emulator().setFault("POST", "/api/v2/vds/", emulator::Fault{409, 0, std::string("known")});
-    MessageBoxAnswerer boxes;
-    EventBusRecorder bus;
-    clickIcon(2);
-    QTRY_COMPARE(boxes.summaries(), QStringList(kRegistrationBox));
-    QVERIFY(bus.texts(Information).last().endsWith("already registered in Bluware FAST™."));
-    QVERIFY(!openMountDialog(m_page.get()));
-    m_fast->emulator().clearFaults();
 }
 
 void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain_data()
@@ -326,37 +238,28 @@ void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain()
     auto* view = m_page->treeView();
     QCOMPARE(view->model()->vdsAt(0)->files.size(), std::size_t(1));
     QSignalSpy removed(m_page.get(), &fast::OsduWidget::removeVdsFileFromProject);
-    if (lastFile) // a file row of this tree shows no delete icon; the request comes as the tree sends it
+    if (lastFile) { // a file row of this tree shows no delete icon; the request comes as the tree sends it
         Q_EMIT view->deleteFile(view->model()->vdsAt(0)->vdsId, view->model()->vdsAt(0)->files.front());
-    else
-        clickIcon(3);
-
-    const auto registered = [this] {
-        const auto volumes = m_fast->emulator().service().volumes();
-        return std::any_of(volumes.begin(), volumes.end(),
-                           [](const auto& volume) { return volume.url == seededUrl(5); });
-    };
+    } else {
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
+                          view->visualRect(view->QTreeView::model()->index(0, 3)).center());
+    }
     QTRY_COMPARE(removed.size(), 1);
     QCOMPARE(removed.first().at(0).toString(), "south");
-    QVERIFY(!registered());
+    const auto volumes = m_fast->emulator().service().volumes();
+    QVERIFY(
+        std::none_of(volumes.begin(), volumes.end(), [](const auto& volume) { return volume.url == seededUrl(5); }));
     QVERIFY(view->model()->vdsAt(0)->vdsId.empty());
     QVERIFY(view->model()->vdsAt(0)->files.empty());
-    // Rebuilt: the "Files" row is empty, and the mount icon registers the dataset afresh.
+    // Rebuilt: the "Files" row is empty.
     const QAbstractItemModel* rows = view->QTreeView::model();
     QCOMPARE(rows->rowCount(rows->index(0, 0, rows->index(0, 0))), 0);
-    m_fast->emulator().clearRequests();
-    clickIcon(2);
-    QTRY_VERIFY(openMountDialog(m_page.get()));
-    answerMountDialog(m_page.get(), "", "Cancel");
-    QCOMPARE(m_fast->requestLines().filter("POST /api/v2/vds/").size(), 1);
-    QTRY_VERIFY(!registered());
 }
 
 void OsduPageTest::theDatasetsComeBackWithFastAsFastNowKnowsThem()
 {
     searchFor("volume 000");
     const int datasets = m_page->treeView()->model()->vdsCount();
-    QVERIFY(datasets >= kDatasets);
     const QAbstractItemModel* rows = m_page->treeView()->QTreeView::model();
     m_page->setConnectedToFast(false);
     QCOMPARE(rows->rowCount(), 0);
@@ -368,7 +271,6 @@ void OsduPageTest::theDatasetsComeBackWithFastAsFastNowKnowsThem()
     QCOMPARE(q(third.url), q(seededUrl(3)));
     QCOMPARE(third.files.size(), std::size_t(1));
     QCOMPARE(q(third.files.front().fileName), "west");
-    QCOMPARE(resultNames(*m_page).size(), datasets);
 }
 
 QTEST_MAIN(OsduPageTest)

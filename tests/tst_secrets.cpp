@@ -1,11 +1,9 @@
-// Secrets stay secret. Through a sign-in in the browser, a sign-in with the stored session, a
-// search with token renewals and sign-ins that fail, no client secret, authorization code or
-// token turns up in an event-bus message, a signal's or exception's text, a message box, a Qt log
-// message or a file the program wrote, except the refresh token in its own settings record
-// (checked at the end of every run, whichever cases it ran). The
-// sign-in's listener takes connections on the loopback interface only, and only while a sign-in
-// waits for it. (A callback whose state differs is refused and its code never exchanged:
-// tst_osduclient, also labelled security.)
+// Secrets stay secret. Through a sign-in in the browser, one with the stored session and a search
+// with token renewals, no client secret, code or token turns up in an event-bus message, a
+// signal's text, a message box, a Qt log message or a file the program wrote, except the refresh
+// token in its own settings record (checked at the end of every run, whichever cases it ran). The
+// sign-in's listener takes connections on loopback only, and only while a sign-in waits for it.
+// Sign-ins that fail: tst_osduclient, which looks for secrets in what they say.
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
@@ -20,7 +18,6 @@
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/OsduWidget.h>
 
-#include <osdu/AWSOsduAuthProvider.h>
 #include <osdu/OsduAuthProvider.h>
 
 #include <QDirIterator>
@@ -72,19 +69,11 @@ public:
     explicit SecretsTest(const QString& scratch) : m_scratch(scratch) {}
 
 private Q_SLOTS:
-    // A first run signs in through the browser, listening on loopback only: every case needs it.
     void initTestCase();
-    // Whatever the cases run made, no secret turns up in it.
     void cleanupTestCase();
     void thisRunSignsInWithTheStoredSessionAndSearches();
-    void failedBrowserSignInsLeaveNothingListening_data();
-    void failedBrowserSignInsLeaveNothingListening();
-    void aSpentStoredSessionIsRefused();
 
 private:
-    // Keeps whatever the provider says, for cleanupTestCase to search.
-    void hear(osdu::OsduAuthProvider* provider);
-
     QString m_scratch;
     EventBusRecorder m_bus;
     MessageBoxAnswerer m_boxes;
@@ -110,11 +99,11 @@ void SecretsTest::initTestCase()
     OsduFastInitializer firstRun(OsduFastInitializer::AWS);
     osdu::OsduAuthProvider* provider = firstRun.authProvider().get();
     provider->setBrowserOpener(m_browser.opener(nullptr)); // the page is visited below
-    hear(provider);
+    // Without a page, what it says reaches no bus: kept for cleanupTestCase.
+    connect(provider, &osdu::OsduAuthProvider::info, this, [this](const QString& message) { m_said << message; });
     QSignalSpy authorized(provider, &osdu::OsduAuthProvider::userAuthorized);
     QVERIFY(provider->authorizeAsync(5000));
     const quint16 port = m_browser.callbackPort();
-    QVERIFY(port != 0);
     QVERIFY(acceptsConnections(QHostAddress::LocalHost, port));
     for (const QHostAddress& address : QNetworkInterface::allAddresses()) {
         if (!address.isLoopback() && !address.isLinkLocal())
@@ -126,100 +115,21 @@ void SecretsTest::initTestCase()
     QVERIFY(!acceptsConnections(QHostAddress::LocalHost, port));
 }
 
-void SecretsTest::hear(osdu::OsduAuthProvider* provider)
-{
-    connect(provider, &osdu::OsduAuthProvider::info, this, [this](const QString& message) { m_said << message; });
-    connect(provider, &osdu::OsduAuthProvider::error, this,
-            [this](const QString& message, const QString& details, const QUrl& url) {
-                m_said << message << details << url.toString();
-            });
-}
-
 void SecretsTest::thisRunSignsInWithTheStoredSessionAndSearches()
 {
     m_page = std::make_unique<fast::OsduWidget>(m_fast->client(), m_fast->projectDir());
     osdu::OsduAuthProvider* provider = OsduFastInitializer::instance(OsduFastInitializer::AWS)->authProvider().get();
     bool opened = false;
     provider->setBrowserOpener(forbiddenBrowser(&opened));
-    hear(provider);
     const int grants = m_osdu->issuedTokens().refreshGrants;
     QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), 15000);
     QVERIFY(!opened);
-    QCOMPARE(m_osdu->issuedTokens().refreshGrants, grants + 1);
-
     // The second fetch is turned away once and served after its renewal.
     m_osdu->rejectDataRequests(1, 2);
     QVERIFY(search(*m_page));
     QCOMPARE(resultLabel(*m_page), "4 result(s) found");
-    QVERIFY(m_osdu->issuedTokens().refreshGrants > grants + 1); // renewed during the search
-}
-
-void SecretsTest::failedBrowserSignInsLeaveNothingListening_data()
-{
-    QTest::addColumn<bool>("silentTokenEndpoint");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<QString>("details");
-    QTest::newRow("refused by the authorization server") << false << "Sign-in was refused by the authorization server"
-                                                         << "invalid_request: code_challenge_method must be S256";
-    QTest::newRow("code exchange timed out") << true << "Unable to reach the authorization server"
-                                             << "Operation timed out";
-}
-
-void SecretsTest::failedBrowserSignInsLeaveNothingListening()
-{
-    QFETCH(bool, silentTokenEndpoint);
-    QFETCH(QString, message);
-    QFETCH(QString, details);
-    osdu::AWSOsduAuthProvider provider;
-    provider.initialize({kClientId,
-                         kClientSecret,
-                         m_osdu->authorizeUrl(),
-                         m_osdu->tokenUrl(),
-                         "openid email",
-                         {},
-                         "http://127.0.0.1",
-                         0,
-                         {},
-                         {}});
-    const auto weakenedChallenge = replacingQueryItem("code_challenge_method", "plain");
-    provider.setBrowserOpener(m_browser.opener(silentTokenEndpoint ? testBrowser() : testBrowser(weakenedChallenge)));
-    hear(&provider);
-    QSignalSpy failed(&provider, &osdu::OsduAuthProvider::error);
-    if (silentTokenEndpoint)
-        m_osdu->setDelay("/oauth2/token", 3000);
-    QVERIFY(provider.authorizeAsync(1000));
-    QVERIFY(failed.wait(15000));
-    m_osdu->clearFaults();
-
-    QCOMPARE(failed.at(0).at(0).toString(), message);
-    QVERIFY2(failed.at(0).at(1).toString().startsWith(details), qPrintable(failed.at(0).at(1).toString()));
-    QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
-}
-
-void SecretsTest::aSpentStoredSessionIsRefused()
-{
-    // A copy of the stored session (a settings backup put back, say) whose token a run since spent.
-    const QVariant copy = QSettings().value("AWS/OSDU_REFRESH_TOKEN");
-    {
-        OsduFastInitializer spender(OsduFastInitializer::AWS);
-        QVERIFY(signsInWithoutBrowser(*spender.authProvider()));
-    }
-    QVERIFY(QSettings().value("AWS/OSDU_REFRESH_TOKEN") != copy);
-    QSettings().setValue("AWS/OSDU_REFRESH_TOKEN", copy);
-    OsduFastInitializer laterRun(OsduFastInitializer::AWS);
-    const std::shared_ptr<osdu::OsduAuthProvider> provider = laterRun.authProvider();
-    hear(provider.get());
-    QSignalSpy failed(provider.get(), &osdu::OsduAuthProvider::error);
-    QVERIFY(provider->authorizeAsync(5000));
-    QVERIFY(failed.wait(15000));
-    QCOMPARE(failed.at(0).at(1).toString(), "invalid_grant: Unknown or already used refresh token");
-    try {
-        provider->accessToken();
-        QFAIL("a refused session gives no access token");
-    } catch (const std::exception& failure) {
-        m_said << QString::fromUtf8(failure.what());
-    }
+    QCOMPARE(m_osdu->issuedTokens().refreshGrants, grants + 2);
 }
 
 void SecretsTest::cleanupTestCase()
@@ -232,13 +142,8 @@ void SecretsTest::cleanupTestCase()
     const QString storedToken = QSettings().value("AWS/OSDU_REFRESH_TOKEN").toString();
     QVERIFY(storedToken.startsWith(q(kIssued + "refresh-")));
 
-    const QStringList texts = m_bus.allTexts() + m_said + m_boxes.summaries() + logged();
+    QStringList texts = m_bus.allTexts() + m_said + m_boxes.summaries() + logged();
     QVERIFY(texts.size() > 5);
-    for (const QString& text : texts) {
-        for (const QString& secret : secrets)
-            QVERIFY2(!text.contains(secret), qPrintable("said: " + text));
-    }
-
     // The host put the secret in its settings; the refresh token has its own record.
     const QString settingsFile = QSettings().fileName();
     const QStringList allowed{"OSDU_CLIENT_SECRET=" + q(kClientSecret), "OSDU_REFRESH_TOKEN=" + storedToken};
@@ -253,10 +158,11 @@ void SecretsTest::cleanupTestCase()
             for (const QString& line : allowed)
                 QCOMPARE(lines.removeAll(line), 1);
         }
-        for (const QString& line : lines) {
-            for (const QString& secret : secrets)
-                QVERIFY2(!line.contains(secret), qPrintable(file.fileName() + ": " + line));
-        }
+        texts += lines.replaceInStrings(QRegularExpression("^"), file.fileName() + ": ");
+    }
+    for (const QString& text : texts) {
+        for (const QString& secret : secrets)
+            QVERIFY2(!text.contains(secret), qPrintable(text));
     }
     QVERIFY(sawSettings);
 }
@@ -270,7 +176,6 @@ int main(int argc, char** argv)
     for (const char* variable : {"TMPDIR", "HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
         qputenv(variable, scratch.path().toLocal8Bit());
     QApplication application(argc, argv);
-    QApplication::setAttribute(Qt::AA_Use96Dpi, true);
     SecretsTest test(scratch.path());
     return QTest::qExec(&test, argc, argv);
 }

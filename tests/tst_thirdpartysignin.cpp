@@ -1,9 +1,7 @@
-// Signing in with a third-party OpenID Connect provider instead of our emulator: a conformant
-// server (tests/oidc-server, installed by ./dev) with its own login and consent pages, PKCE
-// required, refresh tokens only when consent is prompted. Its access tokens last one second, so
-// that every use of one renews it first. The OSDU emulator holds the data and takes the provider's
-// access tokens, checking each at the provider's userinfo. (A forged state and a session that ends:
-// tst_osduclient and tst_osdusession, against the emulator.)
+// Signing in with a third-party OpenID Connect provider instead of our emulator (tests/oidc-server):
+// its own login and consent pages, PKCE required, refresh tokens only when consent is prompted,
+// access tokens that last one second. The OSDU emulator holds the data and checks each access
+// token at the provider's userinfo. (The Azure way of client authentication: tst_osduclient.)
 
 #include "EventBusRecorder.h"
 #include "OidcServer.h"
@@ -23,33 +21,7 @@
 
 using fast::OsduFastInitializer;
 
-namespace {
-
-const OidcClient kAwsClient{QStringLiteral("fast-panel-aws"), QStringLiteral("aws-secret"),
-                            QStringLiteral("client_secret_basic")};
-const OidcClient kAzureClient{QStringLiteral("fast-panel-azure"), QStringLiteral("azure-secret"),
-                              QStringLiteral("client_secret_post")};
 constexpr int kDatasets = 3;
-
-const char* groupOf(OsduFastInitializer::eCloudProvider provider)
-{
-    return provider == OsduFastInitializer::AWS ? "AWS" : "Azure";
-}
-
-QString stored(OsduFastInitializer::eCloudProvider provider, const char* key)
-{
-    return QSettings().value(QStringLiteral("%1/%2").arg(groupOf(provider), key)).toString();
-}
-
-// Signs in with browser; true once the provider says it is done.
-bool signIn(OsduFastInitializer& initializer, osdu::OsduAuthProvider::BrowserOpener browser)
-{
-    initializer.authProvider()->setBrowserOpener(std::move(browser));
-    QSignalSpy authorized(initializer.authProvider().get(), &osdu::OsduAuthProvider::userAuthorized);
-    return initializer.authProvider()->authorizeAsync(kSignInLimitMs) && authorized.wait(kSignInLimitMs);
-}
-
-} // namespace
 
 class ThirdPartySignInTest : public QObject
 {
@@ -57,103 +29,89 @@ class ThirdPartySignInTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser_data();
+    void init();
     void signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser();
     void withoutAConsentPromptNoSessionIsKept();
 
 private:
     // The datasets the library's search finds with the provider's tokens; -1 when it failed.
-    int datasetsFound(OsduFastInitializer& initializer, OsduFastInitializer::eCloudProvider provider);
-    void configure(TestSettings& settings, OsduFastInitializer::eCloudProvider provider);
+    int datasetsFound(OsduFastInitializer& initializer);
 
     std::unique_ptr<OidcServer> m_server;
     std::unique_ptr<emulator::OsduEmulator> m_osdu;
+    std::unique_ptr<TestSettings> m_settings;
 };
 
 void ThirdPartySignInTest::initTestCase()
 {
-    m_server = std::make_unique<OidcServer>(1, QList<OidcClient>{kAwsClient, kAzureClient});
+    m_server = std::make_unique<OidcServer>(1, OidcClient{"fast-panel-aws", "aws-secret", "client_secret_basic"});
     QVERIFY2(m_server->isRunning(), qPrintable(m_server->failure()));
     emulator::OsduEmulatorOptions options;
-    options.userinfoUrl = m_server->endpoint("userinfo_endpoint").toStdString();
+    options.userinfoUrl = m_server->endpoint("/me").toStdString();
     m_osdu = std::make_unique<emulator::OsduEmulator>(options);
     m_osdu->seedDatasets(kDatasets);
     m_osdu->start();
 }
 
-void ThirdPartySignInTest::configure(TestSettings& settings, OsduFastInitializer::eCloudProvider provider)
+void ThirdPartySignInTest::init()
 {
-    const QString group = QString::fromLatin1(groupOf(provider));
-    m_server->configure(settings, group, provider == OsduFastInitializer::AWS ? kAwsClient : kAzureClient);
-    settings.set(group, "OSDU_PROMPT", QStringLiteral("consent"));
-    settings.set(group, "OSDU_BASE_URL", QString::fromStdString(m_osdu->baseUrl()));
-    settings.set(group, "OSDU_DATA_PARTITION_ID", QStringLiteral("opendes"));
+    m_settings.reset(); // its end clears the settings store, which must not be the next one
+    m_settings = std::make_unique<TestSettings>();
+    m_server->configure(*m_settings, "AWS");
+    m_settings->set("AWS", "OSDU_PROMPT", QStringLiteral("consent"));
+    m_settings->set("AWS", "OSDU_BASE_URL", QString::fromStdString(m_osdu->baseUrl()));
+    m_settings->set("AWS", "OSDU_DATA_PARTITION_ID", QStringLiteral("opendes"));
 }
 
-int ThirdPartySignInTest::datasetsFound(OsduFastInitializer& initializer, OsduFastInitializer::eCloudProvider provider)
+int ThirdPartySignInTest::datasetsFound(OsduFastInitializer& initializer)
 {
     const auto client = std::make_shared<osdu::OsduHttpClient>(m_osdu->baseUrl(), initializer.authProvider());
     int found = -1;
     fast::createFileCollectionSearch(client)
-        ->performSearch(groupOf(provider), "", [&found](const std::shared_ptr<osdu::StorageRecordCollection>& results) {
+        ->performSearch("AWS", "", [&found](const std::shared_ptr<osdu::StorageRecordCollection>& results) {
             found = results ? static_cast<int>(results->size()) : -1;
         });
     return found;
 }
 
-void ThirdPartySignInTest::signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser_data()
-{
-    QTest::addColumn<int>("providerColumn");
-    QTest::newRow("AWS: client secret in Basic") << int(OsduFastInitializer::AWS);
-    QTest::newRow("Azure: client secret in the form") << int(OsduFastInitializer::Azure);
-}
-
 void ThirdPartySignInTest::signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser()
 {
-    QFETCH(int, providerColumn);
-    const auto provider = static_cast<OsduFastInitializer::eCloudProvider>(providerColumn);
-    TestSettings settings;
-    configure(settings, provider);
     const int codeGrants = m_server->count("grant authorization_code");
     const int renewals = m_server->count("grant refresh_token");
     {
-        OsduFastInitializer first(provider);
+        OsduFastInitializer first(OsduFastInitializer::AWS);
         const auto visit = std::make_shared<BrowserVisit>();
-        QVERIFY(signIn(first, testBrowser({}, visit)));
+        QVERIFY(signsIn(*first.authProvider(), testBrowser({}, visit)));
         QCOMPARE(visit->status, 200L);
         // Its login page, then its consent page (asked for by the prompt).
         QCOMPARE(visit->formsAnswered, 2);
-        QCOMPARE(m_server->count("grant authorization_code"), codeGrants + 1);
-        QVERIFY(!stored(provider, "OSDU_REFRESH_TOKEN").isEmpty());
+        QVERIFY(!QSettings().value("AWS/OSDU_REFRESH_TOKEN").toString().isEmpty());
         // Its access token has already run out: the search renews it before it asks.
-        QCOMPARE(datasetsFound(first, provider), kDatasets);
+        QCOMPARE(datasetsFound(first), kDatasets);
         QVERIFY(m_server->count("grant refresh_token") > renewals);
     }
-    OsduFastInitializer next(provider);
+    OsduFastInitializer next(OsduFastInitializer::AWS);
     QVERIFY(signsInWithoutBrowser(*next.authProvider()));
-    QCOMPARE(datasetsFound(next, provider), kDatasets);
+    QCOMPARE(datasetsFound(next), kDatasets);
     QCOMPARE(m_server->count("grant authorization_code"), codeGrants + 1);
     QVERIFY(!m_server->events().contains(QStringLiteral("grant-error invalid_grant")));
 }
 
 void ThirdPartySignInTest::withoutAConsentPromptNoSessionIsKept()
 {
-    TestSettings settings;
-    configure(settings, OsduFastInitializer::AWS);
-    settings.set("AWS", "OSDU_PROMPT", QString());
+    m_settings->set("AWS", "OSDU_PROMPT", QString());
     EventBusRecorder bus;
     OsduFastInitializer initializer(OsduFastInitializer::AWS);
     const auto visit = std::make_shared<BrowserVisit>();
-    QVERIFY(signIn(initializer, testBrowser({}, visit)));
+    QVERIFY(signsIn(*initializer.authProvider(), testBrowser({}, visit)));
     // Consent is still asked the first time; offline access is not granted without the prompt.
     QCOMPARE(visit->formsAnswered, 2);
     QVERIFY(!QSettings().contains("AWS/OSDU_REFRESH_TOKEN"));
-    QCOMPARE(bus.texts(Information).filter("gave no refresh token").size(), 1);
     // Said once, not at every sign-in of the run.
-    QVERIFY(signIn(initializer, testBrowser()));
+    QVERIFY(signsIn(*initializer.authProvider(), testBrowser()));
     QCOMPARE(bus.texts(Information).filter("gave no refresh token").size(), 1);
     // The access token it did give has run out, and there is nothing to renew it with.
-    QCOMPARE(datasetsFound(initializer, OsduFastInitializer::AWS), 0);
+    QCOMPARE(datasetsFound(initializer), 0);
     QCOMPARE(bus.texts(Trace).filter("Not signed in to the OSDU platform").size(), 1);
 }
 

@@ -39,12 +39,17 @@ osdu::OsduAuthProvider::BrowserOpener forbiddenBrowser(bool* opened)
     };
 }
 
+bool signsIn(osdu::OsduAuthProvider& provider, osdu::OsduAuthProvider::BrowserOpener browser)
+{
+    provider.setBrowserOpener(std::move(browser));
+    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
+    return provider.authorizeAsync(kSignInLimitMs) && authorized.wait(kSignInLimitMs);
+}
+
 bool signsInWithoutBrowser(osdu::OsduAuthProvider& provider)
 {
     bool opened = false;
-    provider.setBrowserOpener(forbiddenBrowser(&opened));
-    QSignalSpy authorized(&provider, &osdu::OsduAuthProvider::userAuthorized);
-    return provider.authorizeAsync(kSignInLimitMs) && authorized.wait(kSignInLimitMs) && !opened;
+    return signsIn(provider, forbiddenBrowser(&opened)) && !opened;
 }
 
 bool connectAndSearch(const fast::OsduWidget& page, osdu::OsduAuthProvider& provider)

@@ -4,31 +4,7 @@
 #include <QProcess>
 #include <QSslSocket>
 
-UntrustedTlsServer::UntrustedTlsServer(QObject* parent) : QTcpServer(parent)
-{
-}
-
 bool UntrustedTlsServer::start()
-{
-    if (!QSslSocket::supportsSsl()) {
-        m_failure = QStringLiteral("Qt has no TLS back end here");
-        return false;
-    }
-    if (!makeCertificate())
-        return false;
-    if (!listen(QHostAddress::LocalHost)) {
-        m_failure = errorString();
-        return false;
-    }
-    return true;
-}
-
-QString UntrustedTlsServer::url() const
-{
-    return QStringLiteral("https://127.0.0.1:%1").arg(serverPort());
-}
-
-bool UntrustedTlsServer::makeCertificate()
 {
     const QString certificate = m_folder.filePath(QStringLiteral("certificate.pem"));
     const QString key = m_folder.filePath(QStringLiteral("key.pem"));
@@ -40,21 +16,20 @@ bool UntrustedTlsServer::makeCertificate()
                    "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out",
                    certificate});
     if (!openssl.waitForFinished(30000) || openssl.exitStatus() != QProcess::NormalExit || openssl.exitCode() != 0) {
-        m_failure = QStringLiteral("openssl could not make a certificate: %1%2")
-                        .arg(openssl.errorString(), QString::fromLocal8Bit(openssl.readAll()));
+        m_failure = "openssl could not make a certificate: " + openssl.errorString() + openssl.readAll();
         return false;
     }
     QFile certificateFile(certificate);
     QFile keyFile(key);
-    if (certificateFile.open(QIODevice::ReadOnly))
+    if (certificateFile.open(QIODevice::ReadOnly) && keyFile.open(QIODevice::ReadOnly)) {
         m_certificate = QSslCertificate(&certificateFile, QSsl::Pem);
-    if (keyFile.open(QIODevice::ReadOnly))
         m_key = QSslKey(&keyFile, QSsl::Ec, QSsl::Pem);
-    if (m_certificate.isNull() || m_key.isNull()) {
-        m_failure = QStringLiteral("the certificate openssl made could not be read");
-        return false;
     }
-    return true;
+    if (!QSslSocket::supportsSsl() || m_certificate.isNull() || m_key.isNull())
+        m_failure = QStringLiteral("no TLS back end, or the certificate openssl made could not be read");
+    else if (!listen(QHostAddress::LocalHost))
+        m_failure = errorString();
+    return m_failure.isEmpty();
 }
 
 void UntrustedTlsServer::incomingConnection(qintptr descriptor)

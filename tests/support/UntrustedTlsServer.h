@@ -7,32 +7,26 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 
-// An HTTPS server on 127.0.0.1 whose certificate nobody trusts: a self-signed pair that the
-// openssl command makes for this object alone, valid for 127.0.0.1. It counts the connections
-// that reached it and keeps whatever arrived through a completed handshake, which a client that
-// verifies its peer never sends. Serves on the thread it lives on.
+// An HTTPS server on 127.0.0.1 whose certificate nobody trusts: a self-signed one that openssl
+// makes for this object alone, valid for 127.0.0.1. It counts the connections that reached it and
+// keeps whatever arrived through a completed handshake, which a client that verifies its peer
+// never sends.
 class UntrustedTlsServer : public QTcpServer
 {
     Q_OBJECT
 
 public:
-    explicit UntrustedTlsServer(QObject* parent = nullptr);
-
     // False, saying why in failure(), when no certificate could be made or no port bound.
     bool start();
     QString failure() const { return m_failure; }
-    QString url() const;
-
+    QString url() const { return QStringLiteral("https://127.0.0.1:%1").arg(serverPort()); }
     int connections() const { return m_connections; }
-    // What a client sent once the handshake was through: its request, had it trusted us.
     QByteArray requestBytes() const { return m_requestBytes; }
 
 protected:
     void incomingConnection(qintptr descriptor) override;
 
 private:
-    bool makeCertificate();
-
     QTemporaryDir m_folder;
     QSslCertificate m_certificate;
     QSslKey m_key;
