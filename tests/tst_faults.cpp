@@ -23,7 +23,6 @@
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Parser.h>
 
-#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -48,12 +47,9 @@ const std::string kNewDataset = "https://store.example/osdu/new";
 const std::string kGarbage = R"([{"id":"1","url":"/data/a.vds"},{"id":)";
 const QString kListingError = QStringLiteral("Unable to parse JSON to get VDS list: %1");
 const QString kMountFailed = QStringLiteral("Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception ");
-const QStringList kMountErrors = {kMountFailed + "occurred while parsing JSON to get volume data from VDS: %3",
-                                  kMountFailed + "occurred: %3",
-                                  kMountFailed + "while parsing JSON to get volume data from VDS: %3",
-                                  kMountFailed + ": %3",
-                                  kMountErrorLine,
-                                  "Bluware FAST™ error : impossible to rename remote file %1.kv"};
+// What a refused mount may log, on either page.
+const QStringList kMountErrors = {"error: " + kMountFailed + "%3", "error: " + kMountErrorLine,
+                                  "error: Bluware FAST™ error : impossible to rename remote file %1.kv"};
 
 const std::string kHtml = "<html><head><title>502 Bad Gateway</title></head><body><h1>Bad Gateway</h1></body></html>";
 const char* const kTenMegabytes = "10 MB";
@@ -84,28 +80,15 @@ const std::vector<std::pair<const char*, Fault>> kHostileAnswers = {
     {"reset", broken(Delivery::ResetConnection)},
 };
 
-// Whether text is pattern with each %1, %2... standing for any text: the literal pieces in order,
-// since a regular expression gives up on ten megabytes.
-bool madeFrom(const QString& text, const QString& pattern)
+// Whether text is made from one of the patterns, each %1, %2... standing for any text that does
+// not cross into the next of several texts joined with \x1f.
+bool madeFrom(const QString& text, QStringList patterns)
 {
-    const QStringList pieces = pattern.split(QRegularExpression("%\\d"));
-    if (pieces.size() == 1)
-        return text == pattern;
-    if (!text.startsWith(pieces.first()) || !text.endsWith(pieces.last()))
-        return false;
-    int at = pieces.first().size();
-    for (int i = 1; i + 1 < pieces.size(); ++i) {
-        at = text.indexOf(pieces.at(i), at);
-        if (at < 0)
-            return false;
-        at += pieces.at(i).size();
-    }
-    return at <= text.size() - pieces.last().size();
-}
-
-bool madeFromAny(const QString& text, const QStringList& patterns)
-{
-    return std::any_of(patterns.begin(), patterns.end(), [&text](const QString& p) { return madeFrom(text, p); });
+    for (QString& pattern : patterns)
+        pattern = QRegularExpression::escape(pattern).replace(QRegularExpression(R"(\\%\d)"), "[^\\x1f]*");
+    const QString expression = QRegularExpression::anchoredPattern(patterns.join('|'));
+    return !patterns.isEmpty()
+           && QRegularExpression(expression, QRegularExpression::DotMatchesEverythingOption).match(text).hasMatch();
 }
 
 // POCO's own words on text read as a listing, which the panel passes on to the user.
@@ -119,11 +102,6 @@ QString complaintAbout(const std::string& text)
     return {};
 }
 
-QStringList prefixed(const QString& kind, QStringList lines)
-{
-    return lines.replaceInStrings(QRegularExpression("^"), kind + ": ");
-}
-
 // said: "box: ", "error: ", "info: " and "trace: " lines, %u standing for FAST's address.
 void addRow(const char* tag, PageKind page, const QString& action, const QString& route, const Fault& fault,
             const QStringList& said, const QString& ending)
@@ -134,15 +112,14 @@ void addRow(const char* tag, PageKind page, const QString& action, const QString
 // Every hostile answer on each route of one action, with the boxes and errors it may end in;
 // ten megabytes once per action.
 void addPairs(PageKind page, const QString& action, std::initializer_list<const char*> routes,
-              const QStringList& boxes = {}, const QStringList& errors = {})
+              const QStringList& said = {})
 {
     for (const char* route : routes) {
         for (const auto& [name, fault] : kHostileAnswers) {
             if (qstrcmp(name, kTenMegabytes) == 0 && route != *routes.begin())
                 continue;
             const QString tag = QString("%1 %2 %3: %4").arg(kPageNames[page], action, route, name);
-            QTest::newRow(qPrintable(tag)) << int(page) << action << route << fault
-                                           << prefixed("box", boxes) + prefixed("error", errors) << QString();
+            QTest::newRow(qPrintable(tag)) << int(page) << action << route << fault << said << QString();
         }
     }
 }
@@ -163,20 +140,16 @@ QString wrongWords(const MessageBoxAnswerer& boxes, const EventBusRecorder& bus,
         patterns.replaceInStrings(QRegularExpression("^" + kind + ": "), "").replaceInStrings("%u", baseUrl);
         if (ending.isEmpty() && kind != "info" && kind != "trace") {
             for (const QString& text : texts) {
-                if (!madeFromAny(text, patterns))
+                if (!madeFrom(text, patterns))
                     wrong << kind + ": " + text.left(300);
             }
         } else if (!ending.isEmpty() && kind == "trace" && !poll) {
             for (const QString& pattern : patterns) {
-                if (std::none_of(texts.begin(), texts.end(), [&](const QString& t) { return madeFrom(t, pattern); }))
+                if (std::none_of(texts.begin(), texts.end(), [&](const QString& t) { return madeFrom(t, {pattern}); }))
                     wrong << "trace missing: " + pattern;
             }
-        } else if (!ending.isEmpty()) {
-            bool same = texts.size() == patterns.size();
-            for (int i = 0; same && i < texts.size(); ++i)
-                same = madeFrom(texts.at(i), patterns.at(i));
-            if (!same)
-                wrong << kind + ": " + texts.join(" | ").left(600);
+        } else if (!ending.isEmpty() && !madeFrom(texts.join('\x1f'), {patterns.join('\x1f')})) {
+            wrong << kind + ": " + texts.join(" | ").left(600);
         }
     }
     return wrong.join('\n');
@@ -250,7 +223,6 @@ private Q_SLOTS:
     void faults();
 
 private:
-    int m_pairs = 0;
     // One emulator for all rows: stopping one takes a quarter of a second.
     std::unique_ptr<FastEmulatorFixture> m_fixture;
     // A fresh folder per row: links FAST writes late must not meet the next row's mount.
@@ -285,7 +257,6 @@ void FaultsTest::cleanup()
 void FaultsTest::cleanupTestCase()
 {
     m_pollers.clear();
-    qInfo("hostile-service campaign: %d pairs tried", m_pairs);
 }
 
 void FaultsTest::faults_data()
@@ -308,9 +279,9 @@ void FaultsTest::faults_data()
     // No time-out guards a FAST request: a late answer is still a good one.
     addRow("poll: version 2 s late", CloudPage, "poll", "GET /api/v2/about", Fault{std::nullopt, 2000, std::nullopt},
            {}, "true true 2.0.0");
-    addPairs(CloudPage, "poll", {"GET /api/v2/about", "GET /api/v2/plugin/"}, {},
-             {"Unable to get FAST status: HTTP request failed with status=%1",
-              "Unable to parse JSON to get FAST version: %1"});
+    addPairs(CloudPage, "poll", {"GET /api/v2/about", "GET /api/v2/plugin/"},
+             {"error: Unable to get FAST status: HTTP request failed with status=%1",
+              "error: Unable to parse JSON to get FAST version: %1"});
 
     // The listing: a broken one empties the page and says why; one lost on the wire reads as empty.
     for (const auto& [tag, route, fault, body, site] :
@@ -325,8 +296,8 @@ void FaultsTest::faults_data()
     }
     addRow("list: files reset", CloudPage, "list", "GET /api/v2/file/", broken(Delivery::ResetConnection),
            {"trace: Response from FAST REST API: code=0, body="}, "empty");
-    addPairs(CloudPage, "list", {"GET /api/v2/file/", "GET /api/v2/vds/"}, {"Unable to list VDS: " + kListingError},
-             {kListingError});
+    addPairs(CloudPage, "list", {"GET /api/v2/file/", "GET /api/v2/vds/"},
+             {"box: Unable to list VDS: " + kListingError, "error: " + kListingError});
 
     // A registration FAST refused keeps the record without an id, and the next click retries.
     const QString refusal = "info: Unable to register VDS (url=" + kUrl + ") in Bluware FAST™";
@@ -373,11 +344,11 @@ void FaultsTest::faults_data()
                      QStringList{registered, other,
                                  failed + "HTTP request failed with status=500, message=" + kInjectedBody})})
         addRow(tag, CloudPage, "mount", route, fault, QStringList("box: " + kMountFailedBox) + lines, "refused");
-    const QStringList refused = {kRegistrationBox, kMountFailedBox};
+    const QStringList refused = QStringList{"box: " + kRegistrationBox, "box: " + kMountFailedBox} + kMountErrors;
     addPairs(CloudPage, "mount", {"GET /api/v2/file/", "GET /api/v2/vds/", "POST /api/v2/vds/", "GET /api/v2/plugin/"},
-             refused, kMountErrors);
+             refused);
     // The OSDU page takes FAST's ids from the search and looks nothing up before registering.
-    addPairs(OsduPage, "mount", {"POST /api/v2/vds/", "GET /api/v2/plugin/"}, refused, kMountErrors);
+    addPairs(OsduPage, "mount", {"POST /api/v2/vds/", "GET /api/v2/plugin/"}, refused);
 
     // Save: a refused mount takes the registration along; one that names no file id is read back.
     // Killed while it holds the request: the page lets go; back, FAST still has the volume.
@@ -398,7 +369,7 @@ void FaultsTest::faults_data()
             "error: Bluware FAST™ error : impossible to rename remote file cube.kv"},
            "blocked");
     for (PageKind page : {CloudPage, OsduPage}) {
-        addPairs(page, "Save", {"POST /api/v2/file/"}, {kMountErrorBox}, kMountErrors);
+        addPairs(page, "Save", {"POST /api/v2/file/"}, QStringList("box: " + kMountErrorBox) + kMountErrors);
         // Like the tree's own handlers, a cancel that FAST refuses goes unreported.
         addPairs(page, "Cancel", {"DELETE /api/v2/vds/"});
     }
@@ -410,7 +381,8 @@ void FaultsTest::faults_data()
     }
 
     // The page logs an unreadable listing as a trace, not as an error.
-    addPairs(OsduPage, "search", {"GET /api/v2/vds/", "GET /api/v2/file/"}, {"Unable to list VDS: " + kListingError});
+    addPairs(OsduPage, "search", {"GET /api/v2/vds/", "GET /api/v2/file/"},
+             {"box: Unable to list VDS: " + kListingError});
 }
 
 void FaultsTest::faults()
@@ -420,7 +392,6 @@ void FaultsTest::faults()
     QFETCH(QString, route);
     QFETCH(Fault, fault);
     QFETCH(QString, ending);
-    m_pairs += ending.isEmpty();
     emulator::FastEmulator& emulator = m_fixture->emulator();
     const bool tree = action == "unmountVds" || action == "deleteFile";
     const bool mounting = action == "mount" || action == "Save" || action == "Cancel";
@@ -461,8 +432,6 @@ void FaultsTest::faults()
         emulator.setFault(route.section(' ', 0, 0).toStdString(), route.section(' ', 1).toStdString(), fault);
     EventBusRecorder bus;
     MessageBoxAnswerer boxes;
-    QElapsedTimer clock;
-    clock.start();
 
     if (action == "poll") {
         m_pollers.push_back(std::make_unique<PollingThread>(client));
@@ -503,7 +472,6 @@ void FaultsTest::faults()
     }
     const QString wrongWords = ::wrongWords(boxes, bus, q(m_fixture->baseUrl()), action == "poll");
     QVERIFY2(wrongWords.isEmpty(), qPrintable(wrongWords));
-    QVERIFY2(ending.isEmpty() || clock.elapsed() >= fault.delayMs, qPrintable(QString::number(clock.elapsed())));
 
     const bool dialogOpened = mounting && openMountDialog(widget);
     if (mounting && ending.isEmpty()) {
