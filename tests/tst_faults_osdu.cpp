@@ -22,7 +22,6 @@
 #include <osdu/OsduAuthProvider.h>
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QPushButton>
 #include <QSettings>
 #include <QtTest>
@@ -184,16 +183,13 @@ void FaultsOsduTest::faults()
     }
 
     if (action == "connect" && !said.isEmpty()) {
-        QElapsedTimer clock;
-        clock.start();
         MessageBoxAnswerer boxes;
         QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
-        QTRY_VERIFY_WITH_TIMEOUT(!boxes.boxes().isEmpty(), 15000);
+        // A silent server: the time-out, not the server, ends the wait.
+        QTRY_VERIFY_WITH_TIMEOUT(!boxes.boxes().isEmpty(), fault == "silent" ? kSilenceMs : 15000);
         const QString box = boxes.summaries().join('\n');
         QVERIFY2(box.startsWith(said), qPrintable(box));
         QVERIFY(connectButton(*m_page)->isEnabled());
-        // The time-out, not the server, ends the wait.
-        QVERIFY(fault != "silent" || clock.elapsed() < kSilenceMs);
         // A sign-in that started keeps the stored session until another one replaces it.
         QCOMPARE(storedToken(), m_lapsedToken);
         QCOMPARE(m_browser.opened(), opened + (session == "none"));
