@@ -35,6 +35,7 @@ using emulator::Fault;
 
 namespace {
 
+// The local page differs from the cloud page only in how the user picks the volume.
 enum PageKind { CloudPage, OsduPage };
 const char* const kPageNames[] = {"cloud", "OSDU"};
 
