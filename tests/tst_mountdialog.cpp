@@ -3,7 +3,6 @@
 
 #include "FastEmulatorFixture.h"
 #include "PanelDriver.h"
-#include "StdMetaTypes.h"
 
 #include <fast/fast.h>
 #include <fast/panel/MountNewVolume.h>
@@ -13,6 +12,7 @@
 #include <QtWidgets>
 
 Q_DECLARE_METATYPE(fast::SubvolumeRange)
+Q_DECLARE_METATYPE(std::string) // the library leaves it to its hosts
 
 namespace {
 

@@ -23,16 +23,36 @@ public:
         QString text;
     };
 
-    EventBusRecorder();
-    ~EventBusRecorder();
-    EventBusRecorder(const EventBusRecorder&) = delete;
-    EventBusRecorder& operator=(const EventBusRecorder&) = delete;
+    EventBusRecorder()
+        : m_listenerId(MDEventBus::addListener([this](int kind, const QString& text) {
+              std::lock_guard<std::mutex> lock(m_mutex);
+              m_messages.append({kind, text});
+          }))
+    {
+    }
+    ~EventBusRecorder() { MDEventBus::removeListener(m_listenerId); }
 
-    QList<Message> messages() const;
-    // The texts of every message of this kind, in order.
-    QStringList texts(int kind) const;
-    QStringList allTexts() const;
-    void clear();
+    QList<Message> messages() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_messages;
+    }
+    // The texts of every message of this kind (of any kind: -1), in order.
+    QStringList texts(int kind) const
+    {
+        QStringList result;
+        for (const Message& message : messages()) {
+            if (kind < 0 || message.kind == kind)
+                result << message.text;
+        }
+        return result;
+    }
+    QStringList allTexts() const { return texts(-1); }
+    void clear()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_messages.clear();
+    }
 
 private:
     mutable std::mutex m_mutex;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+#include <QSettings>
 #include <QString>
 #include <QTemporaryDir>
 
@@ -8,14 +10,25 @@
 class TestSettings
 {
 public:
-    TestSettings();
-    ~TestSettings();
-    TestSettings(const TestSettings&) = delete;
-    TestSettings& operator=(const TestSettings&) = delete;
+    TestSettings()
+    {
+        if (QCoreApplication::organizationName().isEmpty())
+            QCoreApplication::setOrganizationName(QStringLiteral("FastPanelTests"));
+        if (QCoreApplication::applicationName().isEmpty())
+            QCoreApplication::setApplicationName(QStringLiteral("tests"));
+        QSettings::setDefaultFormat(QSettings::IniFormat);
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_folder.path());
+        QSettings::setPath(QSettings::IniFormat, QSettings::SystemScope, m_folder.path() + "/system");
+        QSettings().clear();
+    }
+    ~TestSettings() { QSettings().clear(); }
 
-    void set(const QString& group, const QString& key, const QString& value);
-    void remove(const QString& group, const QString& key);
-    QString folder() const { return m_folder.path(); }
+    // Written at once (a QSettings writes when it goes).
+    void set(const QString& group, const QString& key, const QString& value)
+    {
+        QSettings().setValue(group + '/' + key, value);
+    }
+    void remove(const QString& group, const QString& key) { QSettings().remove(group + '/' + key); }
 
 private:
     QTemporaryDir m_folder;
