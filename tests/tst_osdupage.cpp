@@ -23,6 +23,7 @@
 #include <osdu/OsduAuthProvider.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QPushButton>
 #include <QSettings>
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
@@ -206,6 +207,7 @@ void OsduPageTest::closingThePageDuringASearchDropsItsResults()
 {
     auto* page = new fast::OsduWidget(m_fast->client(), m_fast->projectDir());
     page->userAuthorized(); // signed in already: the process-wide session serves this page too
+    QVERIFY(!providerChoice(*page)->isEnabled()); // that session's provider, no other
     m_osdu->setDelay("/api/search/v2/query", 300);
     QTest::mouseClick(searchButton(*page), Qt::LeftButton);
     QCOMPARE(fast::SearchInput::runningSearches(), 1);
