@@ -359,10 +359,10 @@ void OsduClientTest::searchAndStorageReadTheSeededDatasets()
              "Search failed with status 403: No access to the data partition elsewhere");
     // The platform's bounds, which this client never oversteps: the emulator must hold them.
     QVERIFY(search->query({"osdu:wks:dataset--*:2.0.0", 5, 0, {}}, "opendes").empty());
-    for (const auto& [kind, limit, offset, partition] :
-         {std::tuple("*:*:*:*", 1001, 0, "opendes"), std::tuple("*:*:*:*", 1000, 9001, "opendes"),
-          std::tuple("FileCollection", 5, 0, "opendes"), std::tuple("*:*:*:*", 5, 0, "")})
+    for (const auto& bounds : {std::tuple("*:*:*:*", 1001, 0, "opendes"), std::tuple("*:*:*:*", 1000, 9001, "opendes"),
+                               std::tuple("FileCollection", 5, 0, "opendes"), std::tuple("*:*:*:*", 5, 0, "")})
         QVERIFY(failureOf([&] {
+                    const auto& [kind, limit, offset, partition] = bounds; // a lambda takes no binding in C++17
                     search->query({kind, limit, offset, {}}, partition);
                 }).startsWith("Search failed with status 400"));
 }
