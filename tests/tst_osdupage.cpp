@@ -206,7 +206,7 @@ void OsduPageTest::fetchesAtOnceTellWhatOneAtATimeTells()
 void OsduPageTest::closingThePageDuringASearchDropsItsResults()
 {
     auto* page = new fast::OsduWidget(m_fast->client(), m_fast->projectDir());
-    page->userAuthorized(); // signed in already: the process-wide session serves this page too
+    page->userAuthorized();                       // signed in already: the process-wide session serves this page too
     QVERIFY(!providerChoice(*page)->isEnabled()); // that session's provider, no other
     m_osdu->setDelay("/api/search/v2/query", 300);
     QTest::mouseClick(searchButton(*page), Qt::LeftButton);
