@@ -60,6 +60,9 @@ void OsduConnectTest::connectWithoutSettingsFailsEveryTime()
     QCOMPARE(bus.texts(Trace), QStringList({"FAST OSDU connection error", "FAST OSDU connection error"}));
     QVERIFY(connect->isEnabled());
     QVERIFY(!providerChoice(page)->isEnabled());
+    // A sign-in failure without details shows the message alone.
+    page.authenticationError("Sign-in was refused", "", QUrl());
+    QTRY_COMPARE(boxes.summaries().value(2), "Failed to connect to OSDU environment: Sign-in was refused");
 }
 
 QTEST_MAIN(OsduConnectTest)

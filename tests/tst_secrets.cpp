@@ -1,9 +1,8 @@
-// Secrets stay secret. Through a sign-in in the browser, one with the stored session and a search
-// with token renewals, no client secret, code or token turns up in an event-bus message, a
-// signal's text, a message box, a Qt log message or a file the program wrote, except the refresh
-// token in its own settings record (checked at the end of every run, whichever cases it ran). The
-// sign-in's listener takes connections on loopback only, and only while a sign-in waits for it.
-// Sign-ins that fail: tst_osduclient, which looks for secrets in what they say.
+// Secrets stay secret: through a browser sign-in, a stored-session sign-in and a search with
+// renewals, no client secret, code or token turns up in what the program says, logs or writes,
+// except the refresh token in its own settings record (checked after every run, whichever cases
+// ran). The listener takes loopback connections only, and only while a sign-in waits for it.
+// Failed sign-ins: tst_osduclient, which looks for secrets in what they say.
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
