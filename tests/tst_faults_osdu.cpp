@@ -186,7 +186,7 @@ void FaultsOsduTest::faults()
         MessageBoxAnswerer boxes;
         QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
         // A silent server: the time-out, not the server, ends the wait.
-        QTRY_VERIFY_WITH_TIMEOUT(!boxes.boxes().isEmpty(), fault == "silent" ? kSilenceMs : 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(!boxes.boxes().isEmpty(), (fault == "silent" ? kSilenceMs : 15000));
         const QString box = boxes.summaries().join('\n');
         QVERIFY2(box.startsWith(said), qPrintable(box));
         QVERIFY(connectButton(*m_page)->isEnabled());
