@@ -1,5 +1,5 @@
 // The mount dialog as the user drives it, against the emulator: what it shows, what goes over
-// the wire and the link it renames. How a failed mount ends: tst_faults_fast.
+// the wire and the link it renames. How a failed mount ends: tst_faults.
 
 #include "FastEmulatorFixture.h"
 #include "PanelDriver.h"

@@ -1,6 +1,5 @@
 // The VDS pages end to end against the FAST emulator: register, mount through the dialog, cancel,
-// unmount and delete, and list what the project holds. How they fail: tst_faults_fast,
-// tst_faults_fastanswers.
+// unmount and delete, and list what the project holds. How they fail: tst_faults.
 
 #include "EventBusRecorder.h"
 #include "FastEmulatorFixture.h"
