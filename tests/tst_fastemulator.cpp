@@ -1,6 +1,7 @@
 // The FAST emulator as tests, benchmarks and the demo rely on it, where the client's tests do not
-// reach: what it refuses, what unregistering takes along, its state across restarts, and the
-// faults it injects. The files a mount leaves: tst_fastclient and the page tests.
+// reach: what it refuses, what unregistering takes along, its state across restarts, and an answer
+// held back when it stops. Its injected faults: tst_faults. The files a mount leaves:
+// tst_fastclient and the page tests.
 
 #include "FastEmulatorFixture.h"
 
@@ -109,24 +110,6 @@ private Q_SLOTS:
         QCOMPARE(call(fixture, "GET", "/api/v2/vds/").text, volumes);
         QCOMPARE(call(fixture, "GET", "/api/v2/file/").text, files);
         QCOMPARE(call(fixture, "DELETE", "/api/v2/file/" + fileId).statusCode, 200);
-    }
-
-    void injectedFaultsApplyToTheLongestMatchingRoute()
-    {
-        FastEmulatorFixture fixture;
-        fixture.emulator().setFault("GET", "/api/v2/", Fault{503, 0, std::nullopt});
-        fixture.emulator().setFault("GET", "/api/v2/about", Fault{std::nullopt, 0, std::string("garbage")});
-
-        const osdu::CurlResponse about = call(fixture, "GET", "/api/v2/about");
-        QCOMPARE(about.statusCode, 200);
-        QCOMPARE(QString::fromStdString(about.text), "garbage");
-        QCOMPARE(call(fixture, "GET", "/api/v2/vds/").statusCode, 503);
-        // A refused request leaves the state alone; other methods are not affected.
-        QCOMPARE(call(fixture, "POST", "/api/v2/vds/", R"({ "url": "/a" })").statusCode, 200);
-
-        fixture.emulator().clearFaults();
-        QCOMPARE(call(fixture, "GET", "/api/v2/vds/").statusCode, 200);
-        QCOMPARE(fixture.emulator().requests().size(), std::size_t(4));
     }
 
     void stoppingDropsAnAnswerHeldBack()

@@ -12,7 +12,6 @@
 namespace {
 
 const QStringList kHostIcons = {"help24", "projectopen24", "down_ko", "down_ok", "delete24"};
-const QStringList kLibraryIcons = kHostIcons + QStringList{"bluware24"};
 
 // Premultiplied, so that transparent pixels compare equal whatever colour they hold.
 QVector<QRgb> pixels(const QImage& image)
@@ -56,14 +55,6 @@ double meanPixelDistance(const QImage& a, const QImage& b)
     return std::inner_product(p.begin(), p.end(), q.begin(), 0.0, std::plus<>(), distance) / p.size();
 }
 
-// The colour an icon reads as from a distance: shrinking a premultiplied image to one pixel
-// averages its colours weighted by alpha.
-QRgb meanColour(const QImage& image)
-{
-    const QImage pixel = image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    return pixel.convertToFormat(QImage::Format_ARGB32).pixel(0, 0) | 0xff000000;
-}
-
 } // namespace
 
 class IconsTest : public QObject
@@ -73,45 +64,6 @@ class IconsTest : public QObject
 private Q_SLOTS:
     // Nothing else of the library is used here, and a linker may drop a library no symbol is taken from.
     void initTestCase() { QVERIFY(fast::CheckConnectionToFastWorker::staticMetaObject.className()); }
-
-    // Each drawing is 24 pixels, at least a quarter opaque and not to the edge, unlike every other;
-    // in each set at 24 and 48 pixels from one source: the 48-pixel one the same artwork, the
-    // one for dark rows the same shapes, lighter.
-    void libraryIconsAreDistinctDrawingsDenseAndForDarkRows()
-    {
-        const auto alphas = [](const QImage& image) {
-            QVector<int> result;
-            for (const QRgb p : pixels(image))
-                result << qAlpha(p);
-            return result;
-        };
-        for (const QString& name : kLibraryIcons) {
-            const QImage light = libraryImage(name), dark = libraryImage(name, "dark");
-            const QVector<int> alpha = alphas(light);
-            // A blank, a box filled edge to edge, or a drawing shrunk far inside its box fail here.
-            QVERIFY2(alpha.count(255) >= 24 * 24 / 4 && alpha.count(0) >= 1, qPrintable(name));
-            for (const QString& other : kLibraryIcons.mid(kLibraryIcons.indexOf(name) + 1))
-                QVERIFY2(meanPixelDistance(light, libraryImage(other)) > 40, qPrintable(name + " looks like " + other));
-            QVERIFY2(QColor(meanColour(dark)).lightnessF() > QColor(meanColour(light)).lightnessF() + 0.1,
-                     qPrintable(name));
-            QCOMPARE(alphas(dark), alpha);
-            for (const QString set : {"light", "dark", "korvane", "korvane-dark"}) {
-                if (name == "bluware24" && set.startsWith("korvane"))
-                    continue;
-                const QImage plain = libraryImage(name, set);
-                const QImage twice = libraryImage(name, set, "@2x");
-                QVERIFY2(plain.size() == QSize(24, 24) && twice.size() == QSize(48, 48), qPrintable(set + name));
-                QCOMPARE(twice.devicePixelRatio(), 2.0);
-                const QImage halved = twice.scaled(24, 24, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-                QVERIFY2(meanPixelDistance(halved, plain) < 20, qPrintable(set + name));
-            }
-        }
-        // The two mount states share a shape on purpose; they must still tell apart in a dense
-        // list, where the icon may be shown at half size.
-        const QImage ok = libraryImage("down_ok").scaledToWidth(12, Qt::SmoothTransformation);
-        const QImage ko = libraryImage("down_ko").scaledToWidth(12, Qt::SmoothTransformation);
-        QVERIFY(distance(meanColour(ok), meanColour(ko)) > 100 && meanPixelDistance(ok, ko) > 70);
-    }
 
     // The trees take the drawing for their rows' palette and density; the host's handler for the
     // application's, and keeps each pixmap where it handed it out: callers keep the pointers.

@@ -163,8 +163,6 @@ private Q_SLOTS:
         QVERIFY(upper.isEmpty() || upper.last().first().toInt() == slider.upperValue());
     }
 
-    void sliderLinesUpWithQSliderInForms() { QCOMPARE(DoubleSlider().sizeHint(), QSlider(Qt::Horizontal).sizeHint()); }
-
     void headerIconOpensOnePopupUnderItsSection_data()
     {
         QTest::addColumn<bool>("filters");
@@ -217,30 +215,6 @@ private Q_SLOTS:
         QCOMPARE(header->filled, (Ints{2, 1}));
         QCOMPARE(header->popupWidget()->pos(),
                  header->viewport()->mapToGlobal(table.section(1).bottomLeft() + QPoint(0, 1)));
-    }
-
-    void headerIconIsASquareAtTheSectionEndInPaletteColours()
-    {
-        kvWidgets::HeaderView header(Qt::Horizontal);
-        const int small = header.style()->pixelMetric(QStyle::PM_SmallIconSize);
-        for (const QRect section : {QRect(300, 5, 80, 40), QRect(9, 0, 16, 24)}) {
-            const QRect icon = header.getDrawingRect(section);
-            QVERIFY(!icon.isEmpty() && section.contains(icon) && icon.width() == icon.height());
-            QVERIFY(qAbs(icon.center().y() - section.center().y()) <= 1);
-            QVERIFY(section.right() - icon.right() < qMin(icon.width(), 6));
-            QCOMPARE(icon.width() == small, section.width() > 2 * small); // shrinks only to fit
-        }
-        QVERIFY(header.getDrawingRect(QRect(0, 0, 100, 4)).isEmpty());
-
-        const QImage plain = header.getFilterPixmap(false).toImage();
-        const QPoint stem(plain.width() / 2, plain.height() * 10 / 16);
-        QVERIFY(plain.pixelColor(stem).alpha() > 64 && plain.pixelColor(stem).alpha() < 255);
-        for (const QColor& colour : {QColor(10, 120, 230), QColor(200, 30, 30)}) {
-            QPalette palette = header.palette();
-            palette.setColor(QPalette::Highlight, colour);
-            header.setPalette(palette);
-            QCOMPARE(header.getFilterPixmap(true).toImage().pixelColor(stem), colour);
-        }
     }
 
     void helpTipShowsByMouseAndKeyboard()

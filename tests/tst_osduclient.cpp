@@ -368,6 +368,11 @@ void OsduClientTest::searchAndStorageReadTheSeededDatasets()
                  search->query({"osdu:wks:*:*", 5, 0, {}}, "elsewhere");
              }),
              "Search failed with status 403: No access to the data partition elsewhere");
+    QCOMPARE(failureOf([&] {
+                 storage->getRecords("elsewhere", {ids[0], ids[1]});
+             }),
+             QString::fromStdString("Unable to fetch record " + ids[0]
+                                    + " and 1 more: status 403: No access to the data partition elsewhere"));
     // The platform's bounds, which this client never oversteps: the emulator must hold them.
     QVERIFY(search->query({"osdu:wks:dataset--*:2.0.0", 5, 0, {}}, "opendes").empty());
     for (const auto& bounds : {std::tuple("*:*:*:*", 1001, 0, "opendes"), std::tuple("*:*:*:*", 1000, 9001, "opendes"),
@@ -376,6 +381,11 @@ void OsduClientTest::searchAndStorageReadTheSeededDatasets()
                     const auto& [kind, limit, offset, partition] = bounds; // a lambda takes no binding in C++17
                     search->query({kind, limit, offset, {}}, partition);
                 }).startsWith("Search failed with status 400"));
+    // Turned away before and after a renewal: no third try.
+    platform.server.rejectDataRequests(2);
+    QVERIFY(failureOf([&] {
+                search->query({"osdu:wks:*:*", 5, 0, {}}, "opendes");
+            }).startsWith("Search failed with status 401"));
 }
 
 QTEST_MAIN(OsduClientTest)
