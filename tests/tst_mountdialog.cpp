@@ -11,6 +11,8 @@
 #include <QtTest>
 #include <QtWidgets>
 
+#include <clocale>
+
 Q_DECLARE_METATYPE(fast::SubvolumeRange)
 Q_DECLARE_METATYPE(std::string) // the library leaves it to its hosts
 
@@ -84,6 +86,11 @@ class MountDialogTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { qRegisterMetaType<std::string>(); }
+    void cleanup()
+    {
+        std::setlocale(LC_NUMERIC, "C");
+        QLocale::setDefault(QLocale::system());
+    }
 
     void layoutPutsTheNameFirstAndTheButtonsLast()
     {
@@ -110,22 +117,28 @@ private Q_SLOTS:
     {
         QTest::addColumn<fast::SubvolumeRange>("range");
         QTest::addColumn<QStringList>("rows");
+        QTest::addColumn<bool>("german"); // C and Qt locales that write 1,5
         const QString whole = "0..1000000 [0,1000000] spins 0..1000000 [0,1000000]";
-        QTest::newRow("no description values") << fast::SubvolumeRange{} << QStringList({whole, whole, whole});
+        QTest::newRow("no description values") << fast::SubvolumeRange{} << QStringList({whole, whole, whole}) << false;
         // Z keeps only the whole samples inside its bounds.
         QTest::newRow("bounds beyond the usual range")
             << fast::SubvolumeRange{"-5", "2000000", "", "", "", ""}
-            << QStringList({"-5..2000000 [-5,2000000] spins -5..2000000 [-5,2000000]", whole, whole});
-        QTest::newRow("description values")
-            << kVolume
-            << QStringList({"10..1199 [10,1199] spins 10..1199 [10,1199]", "20..899 [20,899] spins 20..899 [20,899]",
-                            "1..99 [1,99] spins 1..99 [1,99]"});
+            << QStringList({"-5..2000000 [-5,2000000] spins -5..2000000 [-5,2000000]", whole, whole}) << false;
+        const QStringList described{"10..1199 [10,1199] spins 10..1199 [10,1199]",
+                                    "20..899 [20,899] spins 20..899 [20,899]", "1..99 [1,99] spins 1..99 [1,99]"};
+        QTest::newRow("description values") << kVolume << described << false;
+        QTest::newRow("description values, German host") << kVolume << described << true;
     }
 
     void rowsStartOnTheWholeVolume()
     {
         QFETCH(fast::SubvolumeRange, range);
         QFETCH(QStringList, rows);
+        QFETCH(bool, german);
+        if (german && !std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
+            QSKIP("no de_DE.UTF-8 locale: ./dev test installs it");
+        if (german)
+            QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
         FastEmulatorFixture fixture;
         fast::MountNewVolume dialog(fixture.client(), "1", range, fixture.projectDir());
         QCOMPARE(QStringList({axisState(dialog, 3), axisState(dialog, 6), axisState(dialog, 9)}), rows);

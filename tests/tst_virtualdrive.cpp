@@ -70,10 +70,12 @@ private Q_SLOTS:
 
     void theDriveHoldsOnlyNamesWindowsTakes()
     {
-        for (const QString name : {"north-sea", "north sea.v2", "CONSOLE", "COM10", "LPT0", "nul-shallow", "été"})
+        for (const QString name :
+             {"north-sea", "north sea.v2", "CONSOLE", "COM10", "LPT0", "nul-shallow", "été", "CONIN", "COM⁴"})
             QVERIFY2(fast::driveCanHoldFileName(name), qPrintable(name));
-        for (const QString name : {"", "   ", "a/b", "a\\b", "c:", "a*", "why?", "\"q\"", "<a>", "a|b", "cube.",
-                                   "cube ", "CON", "con", "Aux.vds", "nul .txt", "COM1", "lpt9.kv"})
+        for (const QString name : {"",     "   ",     "a/b",   "a\\b",  "c:",     "a*",          "why?",    "\"q\"",
+                                   "<a>",  "a|b",     "cube.", "cube ", "CON",    "con",         "Aux.vds", "nul .txt",
+                                   "COM1", "lpt9.kv", "a\tb",  "x\x1f", "conin$", "CONOUT$.log", "COM¹",    "lpt³.vds"})
             QVERIFY2(!fast::driveCanHoldFileName(name), qPrintable(name));
     }
 };

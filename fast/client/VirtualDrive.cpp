@@ -43,9 +43,11 @@ bool fileExistsInVirtualDrive(const QString& path)
 
 bool driveCanHoldFileName(const QString& name)
 {
-    static const QRegularExpression forbidden(QStringLiteral(R"([/\\:*?"<>|])"));
-    static const QRegularExpression device(QStringLiteral("^(CON|PRN|AUX|NUL|COM[1-9]|LPT[1-9])$"),
-                                           QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression forbidden(QStringLiteral(R"([/\\:*?"<>|\x00-\x1F])"));
+    // Windows counts the superscript digits one to three as port numbers too.
+    static const QRegularExpression
+        device(QStringLiteral("^(CON|PRN|AUX|NUL|CONIN\\$|CONOUT\\$|(COM|LPT)[1-9\u00B9\u00B2\u00B3])$"),
+               QRegularExpression::CaseInsensitiveOption);
     if (name.trimmed().isEmpty() || name.contains(forbidden) || name.endsWith(QLatin1Char('.'))
         || name.endsWith(QLatin1Char(' ')))
         return false;

@@ -23,8 +23,9 @@ FASTPANEL_EXPORT bool isMountedInVirtualDrive(const QString& path);
 FASTPANEL_EXPORT bool fileExistsInVirtualDrive(const QString& path);
 
 // Whether the drive, a Windows drive, can hold a file of this name: not blank, none of
-// / \ : * ? " < > |, not ending in a dot or a blank, and not a device name (CON, PRN, AUX, NUL,
-// COM1 to COM9, LPT1 to LPT9), with or without an extension, in any case.
+// / \ : * ? " < > | nor a control character (U+0000 to U+001F), not ending in a dot or a blank,
+// and not a device name (CON, PRN, AUX, NUL, CONIN$, CONOUT$, COM1 to COM9, LPT1 to LPT9, COM and
+// LPT with a superscript 1, 2 or 3), with or without an extension, in any case.
 FASTPANEL_EXPORT bool driveCanHoldFileName(const QString& name);
 
 // An OSDU cloud path as the URL FAST accepts: "s3:" becomes "https:", the region between the

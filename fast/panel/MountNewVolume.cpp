@@ -27,6 +27,8 @@
 #include <QSpinBox>
 #include <QThread>
 
+#include <cctype>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -42,12 +44,30 @@ constexpr int kRenameAttempts = 1000;
 const char* const kRedLabel = "QLabel { color : red; }";
 const char* const kInvalidNameHelp = QT_TRANSLATE_NOOP(
     "fast::MountNewVolume",
-    "A file name cannot be blank, contain / \\ : * ? \" < > |, end in a dot or a blank, or be a device "
-    "name (CON, PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9), with or without an extension.");
+    "A file name cannot be blank, contain / \\ : * ? \" < > | or a control character, end in a dot or a "
+    "blank, or be a device name (CON, PRN, AUX, NUL, CONIN$, CONOUT$, COM1 to COM9, LPT1 to LPT9, COM¹ to "
+    "COM³, LPT¹ to LPT³), with or without an extension.");
 
 int toInt(const std::string& text)
 {
     return std::stoi(text, nullptr, 10);
+}
+
+// FAST writes numbers with a dot whatever the host's locale: std::stod, which follows the C
+// locale, would read "1.5" as 1 in a German one.
+double toDouble(const std::string& text)
+{
+    const char* first = text.data();
+    const char* const last = first + text.size();
+    while (first != last && std::isspace(static_cast<unsigned char>(*first)))
+        ++first;
+    double value = 0;
+    const std::errc error = std::from_chars(first, last, value).ec;
+    if (error == std::errc::invalid_argument)
+        throw std::invalid_argument("invalid stod argument");
+    if (error == std::errc::result_out_of_range)
+        throw std::out_of_range("stod argument out of range");
+    return value;
 }
 
 // A depth bound is fractional; converting one outside int would be undefined, so it is refused
@@ -183,9 +203,9 @@ void MountNewVolume::applyRange(const SubvolumeRange& range)
         setMaximum(m_crossline, toInt(range.dim1Max));
     // Only whole samples inside the volume can be mounted.
     if (!range.dim2Min.empty())
-        setMinimum(m_z, toWholeDepth(std::ceil(std::stod(range.dim2Min))));
+        setMinimum(m_z, toWholeDepth(std::ceil(toDouble(range.dim2Min))));
     if (!range.dim2Max.empty())
-        setMaximum(m_z, toWholeDepth(std::floor(std::stod(range.dim2Max))));
+        setMaximum(m_z, toWholeDepth(std::floor(toDouble(range.dim2Max))));
 }
 
 void MountNewVolume::onFileNameEdited()
