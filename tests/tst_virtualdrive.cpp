@@ -68,6 +68,31 @@ private Q_SLOTS:
         QCOMPARE(QString::fromStdString(fast::modifyVdsFilepath(path.toStdString())), url);
     }
 
+    void samePathFollowsWindowsOrExactRules_data()
+    {
+        QTest::addColumn<QString>("a");
+        QTest::addColumn<QString>("b");
+        QTest::addColumn<bool>("windows");
+        QTest::addColumn<bool>("exact");
+        QTest::newRow("case, drive letter, separators") << R"(C:\Data\Cube.vds)"
+                                                        << "c:/data/cube.vds" << true << false;
+        QTest::newRow("other file") << "C:/data/a.vds"
+                                    << "C:/data/b.vds" << false << false;
+        QTest::newRow("URLs keep their case") << "https://store/A.vds"
+                                              << "https://store/a.vds" << false << false;
+    }
+
+    void samePathFollowsWindowsOrExactRules()
+    {
+        QFETCH(QString, a);
+        QFETCH(QString, b);
+        QFETCH(bool, windows);
+        QFETCH(bool, exact);
+        QCOMPARE(fast::samePath(a, b, fast::PathRules::Windows), windows);
+        QCOMPARE(fast::samePath(a, b, fast::PathRules::Exact), exact);
+        QCOMPARE(fast::samePath(a, b), fast::PathRules::Native == fast::PathRules::Windows ? windows : exact);
+    }
+
     void theDriveHoldsOnlyNamesWindowsTakes()
     {
         for (const QString name :

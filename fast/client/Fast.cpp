@@ -2,6 +2,7 @@
 
 #include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
+#include <fast/client/VirtualDrive.h>
 
 #include <korvane/MDEventBus.h>
 #include <osdu/CurlSession.h>
@@ -174,7 +175,7 @@ std::optional<VdsInfo> Fast::findVdsByUrl(const std::string& url) const
     const auto files = getFileList();
     const auto volumes = getVdsList();
     for (const VdsInfo& info : parseVdsInfos(volumes->getMessage(), files->getMessage())) {
-        if (info.url == url)
+        if (samePath(text(info.url), text(url)))
             return info;
     }
     return std::nullopt;

@@ -49,7 +49,8 @@ public:
 
     std::shared_ptr<osdu::HttpResponse> getVdsList() const;
     std::shared_ptr<osdu::HttpResponse> getFileList() const;
-    // The registered volume whose url equals url byte for byte. Parsing errors pass through.
+    // The registered volume whose url names the same file as url (samePath). Parsing errors pass
+    // through.
     std::optional<VdsInfo> findVdsByUrl(const std::string& url) const;
     // The body is assembled as text; the URL is not escaped.
     std::shared_ptr<osdu::HttpResponse> registerVds(const std::string& url) const;

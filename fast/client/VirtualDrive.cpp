@@ -56,6 +56,19 @@ bool driveCanHoldFileName(const QString& name)
     return !device.match(stem).hasMatch();
 }
 
+QString pathKey(const QString& path, PathRules rules)
+{
+    static const QRegularExpression url(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]+://"));
+    if (rules == PathRules::Exact || url.match(path).hasMatch())
+        return path;
+    return QString(path).replace(QLatin1Char('\\'), QLatin1Char('/')).toCaseFolded();
+}
+
+bool samePath(const QString& a, const QString& b, PathRules rules)
+{
+    return pathKey(a, rules) == pathKey(b, rules);
+}
+
 std::string modifyVdsFilepath(const std::string& path)
 {
     if (path.empty())

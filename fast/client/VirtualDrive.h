@@ -28,6 +28,23 @@ FASTPANEL_EXPORT bool fileExistsInVirtualDrive(const QString& path);
 // LPT with a superscript 1, 2 or 3), with or without an extension, in any case.
 FASTPANEL_EXPORT bool driveCanHoldFileName(const QString& name);
 
+// How two paths are told to name the same file: as Windows does (case-blind, drive letter
+// included, either separator) or byte for byte; Native is the rule of the platform built for.
+enum class PathRules {
+    Exact,
+    Windows,
+#ifdef Q_OS_WIN
+    Native = Windows,
+#else
+    Native = Exact,
+#endif
+};
+
+// The one decision on path equality: two paths name the same file exactly when their keys are
+// equal. A URL (scheme://...) names no file here and is its own key: a server tells its case.
+FASTPANEL_EXPORT QString pathKey(const QString& path, PathRules rules = PathRules::Native);
+FASTPANEL_EXPORT bool samePath(const QString& a, const QString& b, PathRules rules = PathRules::Native);
+
 // An OSDU cloud path as the URL FAST accepts: "s3:" becomes "https:", the region between the
 // first "s3" and ".amazonaws" goes, and one trailing "/" goes.
 FASTPANEL_EXPORT std::string modifyVdsFilepath(const std::string& path);

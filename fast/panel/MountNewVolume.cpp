@@ -327,7 +327,7 @@ std::string MountNewVolume::mountedFileId(const std::string& name) const
             if (info.vdsId != m_vdsId)
                 continue;
             for (const VdsFile& file : info.files) {
-                if (file.fileName == name)
+                if (samePath(QString::fromStdString(file.fileName), QString::fromStdString(name)))
                     fileId = file.fileId;
             }
         }
