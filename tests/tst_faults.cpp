@@ -364,7 +364,7 @@ void FaultsTest::faults_data()
            "added");
     addRow("Save: mount answered null", CloudPage, "Save", "POST /api/v2/file/", answering("null"), {}, "added");
     // A file where the project folder should be stops everybody, root and FAST's link included;
-    // the rename gives up after ten seconds of retries.
+    // the rename gives up at once, with no folder for the link to appear in.
     addRow("Save: project folder takes no link", CloudPage, "Save", QString(), Fault{},
            {"box: " + kMountErrorBox.arg("200", "%9"),
             "error: Bluware FAST™ error : impossible to rename remote file cube.kv"},

@@ -5,6 +5,7 @@
 #include "PanelDriver.h"
 
 #include <fast/fast.h>
+#include <fast/panel/FileMove_p.h>
 #include <fast/panel/MountNewVolume.h>
 #include <kvWidgets/DoubleSlider.h>
 
@@ -212,6 +213,44 @@ private Q_SLOTS:
         const QString subvolume = "\"subvolume\":{\"dim0\":{\"max\":90,\"min\":1},\"dim1\":{\"max\":899,\"min\":20},"
                                   "\"dim2\":{\"max\":1000,\"min\":150}}";
         QVERIFY2(body.contains(linkPath) && body.contains(subvolume), qPrintable(body));
+    }
+
+    // The link's move waits only for a file that is missing or held, never for a refusal.
+    void linkMoveRetriesOnlyWhileTheFileIsHeld_data()
+    {
+        QTest::addColumn<int>("heldFor"); // attempts the file is held for; -1 for good
+        QTest::addColumn<QString>("hindrance");
+        QTest::addColumn<int>("attempts"); // -1 for as many as fit in the patience
+        QTest::newRow("held a while") << 3 << QString() << 4;
+        QTest::newRow("held for good") << -1 << QString() << -1;
+        QTest::newRow("another file under the target name") << 0 << "taken" << 1;
+        QTest::newRow("read-only folder") << 0 << "read-only" << 1;
+    }
+
+    void linkMoveRetriesOnlyWhileTheFileIsHeld()
+    {
+        QFETCH(int, heldFor);
+        QFETCH(QString, hindrance);
+        QFETCH(int, attempts);
+        QTemporaryDir folder;
+        QFile link(folder.filePath("cube.kv"));
+        QFile taken(folder.filePath("cube"));
+        QVERIFY(link.open(QIODevice::WriteOnly) && (hindrance != "taken" || taken.open(QIODevice::WriteOnly)));
+        const auto permissions = QFile::permissions(folder.path());
+        const auto restore = qScopeGuard([&] { QFile::setPermissions(folder.path(), permissions); });
+        if (hindrance == "read-only" && QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner)
+            && QFileInfo(folder.path()).isWritable())
+            QSKIP("run as root: no folder is read-only");
+        int tries = 0;
+        const auto heldThenReal = [&](const QString& source, const QString& target) {
+            ++tries;
+            return heldFor < 0 || tries <= heldFor ? fast::MoveAttempt::NotYet : fast::moveFileOnce(source, target);
+        };
+        const bool moved = fast::moveFileWhenFree(link.fileName(), taken.fileName(),
+                                                  std::chrono::milliseconds(heldFor < 0 ? 50 : 10000), heldThenReal);
+        QCOMPARE(moved, hindrance.isEmpty() && heldFor >= 0);
+        QCOMPARE(QFile::exists(link.fileName()), !moved);
+        QVERIFY2(attempts < 0 ? tries > 1 : tries == attempts, qPrintable(QString::number(tries)));
     }
 };
 

@@ -4,6 +4,7 @@
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
 #include <fast/panel/ControlNames.h>
+#include <fast/panel/FileMove_p.h>
 #include <fast/panel/PanelMessages_p.h>
 
 #include <korvane/IconXPMHandler.h>
@@ -14,7 +15,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -38,8 +38,8 @@ namespace fast {
 namespace {
 
 constexpr int kWholeAxisMaximum = 1000000;
-constexpr int kRenameRetryMs = 10;
-constexpr int kRenameAttempts = 1000;
+// How long the link may take to appear, or stay held by another program.
+constexpr std::chrono::milliseconds kRenamePatience{10000};
 
 const char* const kRedLabel = "QLabel { color : red; }";
 const char* const kInvalidNameHelp = QT_TRANSLATE_NOOP(
@@ -301,12 +301,10 @@ void MountNewVolume::renameLinkOnceWritten(const QFileInfo& link, const std::str
     const QString target = link.absolutePath() + QDir::separator() + link.completeBaseName();
     const auto renamed = std::make_shared<bool>(false);
     QThread* renamer = QThread::create([source, target, renamed] {
-        for (int attempt = 0; attempt < kRenameAttempts; ++attempt) {
-            if (QFile::rename(source, target)) {
-                *renamed = true;
-                return;
-            }
-            QThread::msleep(kRenameRetryMs);
+        try {
+            *renamed = moveFileWhenFree(source, target, kRenamePatience);
+        } catch (...) {
+            // Left unrenamed: the dialog undoes the mount and says so.
         }
     });
     const QString fileName = link.completeBaseName();
