@@ -140,6 +140,14 @@ Please refer to Bluware FAST™ and Korvane™ log files to get more information
         <source>Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Bluware FAST™ not reachable</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bluware FAST™ could not be reached: nothing was unmounted.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>fast::MountNewVolume</name>
