@@ -532,9 +532,8 @@ void FaultsTest::faults()
         QVERIFY(session.tree().vdsCount() <= 1);
         QVERIFY(!record || record->vdsId == vdsId);
     } else if (tree) {
-        const bool kept = !boxes.summaries().isEmpty();
-        QCOMPARE(removed.size(), kept ? 0 : int(files.size()));
-        QCOMPARE(session.tree().vdsCount(), kept ? 1 : 0);
+        QCOMPARE(removed.size(), boxes.summaries().isEmpty() ? int(files.size()) : 0);
+        QCOMPARE(session.tree().vdsCount(), boxes.summaries().isEmpty() ? 0 : 1);
     } else if (action == "search") {
         const fast::OsduWidget& osdu = *session.osdu();
         QVERIFY(searchInput(osdu)->isEnabled() && searchButton(osdu)->isEnabled());
