@@ -70,7 +70,7 @@ void FastClientTest::aVolumesLifeOverTheWire()
     fixture.emulator().clearRequests();
     const auto mounted = client->mountFile(vdsId, "cube", R"(C:\proj\a.lnk)", 1, 2, 3, 4, 5, 6);
     QCOMPARE(mounted->getResponse(), 200);
-    QVERIFY(QFile::exists(fixture.driveDir() + "/cube"));
+    QVERIFY(QFile::exists(fixture.driveDir() + "/cube.kv"));
     const QString body = R"({"parameters":{"link_path":"C:\\\\proj\\\\a.lnk","shortcut_base_path":"",)"
                          R"("subvolume":{"dim0":{"max":2,"min":1},"dim1":{"max":4,"min":3},"dim2":{"max":6,"min":5}},)"
                          R"("vds-compression-tolerance":0},"path":"/cube","plugin":"Korvane","vdsId":")"
@@ -98,7 +98,7 @@ void FastClientTest::aVolumesLifeOverTheWire()
     files.push_back({"gone", "gone"});
     files.push_back(
         {client->mountFile(vdsId, "two", fixture.projectDir().toStdString(), 0, 1, 0, 1, 0, 1)->getMessage(), "two"});
-    QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList({"cube", "two"}));
+    QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList({"cube.kv", "two.kv"}));
     fixture.emulator().clearRequests();
     bus = std::make_unique<EventBusRecorder>();
     client->unmountVds(vdsId, files);

@@ -93,7 +93,7 @@ private Q_SLOTS:
         call(fixture, "POST", "/api/v2/file/", mountBody(gone, "g1", fixture.projectDir()));
         call(fixture, "POST", "/api/v2/file/", mountBody(gone, "g2", fixture.projectDir()));
         QCOMPARE(call(fixture, "DELETE", "/api/v2/vds/" + gone).statusCode, 200);
-        QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList{"k"});
+        QCOMPARE(QDir(fixture.driveDir()).entryList(QDir::Files), QStringList{"k.kv"});
         QCOMPARE(fixture.emulator().service().files().size(), std::size_t(1));
         QCOMPARE(call(fixture, "GET", "/api/v2/plugin/Korvane?vdsId=" + gone).statusCode, 404);
         QCOMPARE(call(fixture, "GET", "/api/v2/plugin/Korvane?vdsId=" + kept).statusCode, 200);

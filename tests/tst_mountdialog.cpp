@@ -5,11 +5,13 @@
 #include "PanelDriver.h"
 
 #include <fast/fast.h>
+#include <fast/panel/FileMove_p.h>
 #include <fast/panel/MountNewVolume.h>
 #include <kvWidgets/DoubleSlider.h>
 
 #include <QtTest>
 #include <QtWidgets>
+#include <clocale>
 
 Q_DECLARE_METATYPE(fast::SubvolumeRange)
 Q_DECLARE_METATYPE(std::string) // the library leaves it to its hosts
@@ -84,6 +86,11 @@ class MountDialogTest : public QObject
 
 private Q_SLOTS:
     void initTestCase() { qRegisterMetaType<std::string>(); }
+    void cleanup()
+    {
+        std::setlocale(LC_NUMERIC, "C");
+        QLocale::setDefault(QLocale::system());
+    }
 
     void layoutPutsTheNameFirstAndTheButtonsLast()
     {
@@ -110,45 +117,56 @@ private Q_SLOTS:
     {
         QTest::addColumn<fast::SubvolumeRange>("range");
         QTest::addColumn<QStringList>("rows");
+        QTest::addColumn<bool>("german"); // C and Qt locales that write 1,5
         const QString whole = "0..1000000 [0,1000000] spins 0..1000000 [0,1000000]";
-        QTest::newRow("no description values") << fast::SubvolumeRange{} << QStringList({whole, whole, whole});
+        QTest::newRow("no description values") << fast::SubvolumeRange{} << QStringList({whole, whole, whole}) << false;
         // Z keeps only the whole samples inside its bounds.
         QTest::newRow("bounds beyond the usual range")
             << fast::SubvolumeRange{"-5", "2000000", "", "", "", ""}
-            << QStringList({"-5..2000000 [-5,2000000] spins -5..2000000 [-5,2000000]", whole, whole});
-        QTest::newRow("description values")
-            << kVolume
-            << QStringList({"10..1199 [10,1199] spins 10..1199 [10,1199]", "20..899 [20,899] spins 20..899 [20,899]",
-                            "1..99 [1,99] spins 1..99 [1,99]"});
+            << QStringList({"-5..2000000 [-5,2000000] spins -5..2000000 [-5,2000000]", whole, whole}) << false;
+        const QStringList described{"10..1199 [10,1199] spins 10..1199 [10,1199]",
+                                    "20..899 [20,899] spins 20..899 [20,899]", "1..99 [1,99] spins 1..99 [1,99]"};
+        QTest::newRow("description values") << kVolume << described << false;
+        QTest::newRow("description values, German host") << kVolume << described << true;
     }
 
     void rowsStartOnTheWholeVolume()
     {
         QFETCH(fast::SubvolumeRange, range);
         QFETCH(QStringList, rows);
+        QFETCH(bool, german);
+        if (german && !std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
+            QSKIP("no de_DE.UTF-8 locale: ./dev test installs it");
+        QLocale::setDefault(german ? QLocale(QLocale::German, QLocale::Germany) : QLocale::system());
         FastEmulatorFixture fixture;
         fast::MountNewVolume dialog(fixture.client(), "1", range, fixture.projectDir());
         QCOMPARE(QStringList({axisState(dialog, 3), axisState(dialog, 6), axisState(dialog, 9)}), rows);
     }
 
+    void emptyUnfitOrTakenNameStaysInTheDialog_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("label");
+        QTest::newRow("empty") << QString() << QString("Filename");
+        for (const char* unfit : {"  ", "a:b", "cube.", "LPT1.vds"})
+            QTest::newRow(unfit) << unfit << "Invalid filename";
+        // FAST's drive holds the earlier mount under the project's extension, as cube.kv.
+        QTest::newRow("mounted before") << QString("cube") << QString("File already exists");
+    }
+
     void emptyUnfitOrTakenNameStaysInTheDialog()
     {
+        QFETCH(QString, name);
+        QFETCH(QString, label);
         FastEmulatorFixture fixture;
-        fixture.settings().set("FAST", "FAST_MOUNT_POINT", fixture.driveDir());
-        QFile taken(fixture.driveDir() + "/cube.kv");
-        QVERIFY(taken.open(QIODevice::WriteOnly));
+        fixture.client()->mountFile(fixture.client()->registerVds("/b.vds")->getMessage(), "cube", "", 0, 1, 0, 1, 0,
+                                    1);
         MountSession session(fixture);
 
-        session.save("");
-        QCOMPARE(labelState(session.dialog), "Filename QLabel { color : red; }");
-        for (const QString unfit : {"  ", "a:b", "cube.", "LPT1.vds"}) {
-            session.save(unfit);
-            QCOMPARE(labelState(session.dialog), "Invalid filename QLabel { color : red; }");
-            QVERIFY(fileNameLabel(session.dialog)->toolTip().contains("cannot be blank, contain / \\ : * ? \" < > |"));
-        }
-        session.save("cube");
-        QCOMPARE(labelState(session.dialog), "File already exists QLabel { color : red; }");
-        QVERIFY(fileNameLabel(session.dialog)->toolTip().isEmpty());
+        session.save(name);
+        QCOMPARE(labelState(session.dialog), label + " QLabel { color : red; }");
+        QCOMPARE(fileNameLabel(session.dialog)->toolTip().contains("cannot be blank, contain / \\ : * ? \" < > |"),
+                 label == "Invalid filename");
         QVERIFY(session.dialog.isVisible());
         QCOMPARE(fixture.requestLines(), QStringList());
 
@@ -191,6 +209,41 @@ private Q_SLOTS:
         const QString subvolume = "\"subvolume\":{\"dim0\":{\"max\":90,\"min\":1},\"dim1\":{\"max\":899,\"min\":20},"
                                   "\"dim2\":{\"max\":1000,\"min\":150}}";
         QVERIFY2(body.contains(linkPath) && body.contains(subvolume), qPrintable(body));
+    }
+
+    // The link's move waits only for a file that is missing or held; a refusal is not tried again.
+    void linkMoveRetriesOnlyWhileTheFileIsHeld_data()
+    {
+        QTest::addColumn<int>("heldFor"); // attempts the file is held for; -1 for good
+        QTest::addColumn<QString>("hindrance");
+        QTest::newRow("held a while") << 3 << QString();
+        QTest::newRow("held for good") << -1 << QString();
+        QTest::newRow("another file under the target name") << 0 << "taken";
+        QTest::newRow("read-only folder") << 0 << "read-only";
+    }
+
+    void linkMoveRetriesOnlyWhileTheFileIsHeld()
+    {
+        QFETCH(int, heldFor);
+        QFETCH(QString, hindrance);
+        QTemporaryDir folder;
+        const QString link = folder.filePath("cube.kv"), target = folder.filePath("cube");
+        QVERIFY(QFile(link).open(QIODevice::WriteOnly)
+                && (hindrance != "taken" || QFile(target).open(QIODevice::WriteOnly)));
+        const auto restore = qScopeGuard(
+            [&] { QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner); });
+        if (hindrance == "read-only" && QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner)
+            && QFileInfo(folder.path()).isWritable())
+            QSKIP("run as root: no folder is read-only");
+        int tries = 0;
+        const auto heldThenReal = [&](const QString& source, const QString& to) {
+            return heldFor < 0 || ++tries <= heldFor ? fast::MoveAttempt::NotYet : fast::moveFileOnce(source, to);
+        };
+        const bool moved = fast::moveFileWhenFree(link, target, std::chrono::milliseconds(heldFor < 0 ? 50 : 10000),
+                                                  heldThenReal);
+        QCOMPARE(moved, hindrance.isEmpty() && heldFor >= 0);
+        QCOMPARE(QFile::exists(link), !moved);
+        QCOMPARE(tries, heldFor + 1);
     }
 };
 

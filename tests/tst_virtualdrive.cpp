@@ -68,12 +68,26 @@ private Q_SLOTS:
         QCOMPARE(QString::fromStdString(fast::modifyVdsFilepath(path.toStdString())), url);
     }
 
+    void samePathFollowsWindowsOrExactRules()
+    {
+        // Two paths, whether they name one file under Windows' rules, and byte for byte.
+        for (const auto& [a, b, windows, exact] :
+             {std::tuple(R"(C:\Data\Cube.vds)", "c:/data/cube.vds", true, false),
+              std::tuple("C:/data/a.vds", "C:/data/b.vds", false, false),
+              std::tuple("https://store/A.vds", "https://store/a.vds", false, false)}) {
+            QCOMPARE(fast::samePath(a, b, fast::PathRules::Windows), windows);
+            QCOMPARE(fast::samePath(a, b, fast::PathRules::Exact), exact);
+        }
+    }
+
     void theDriveHoldsOnlyNamesWindowsTakes()
     {
-        for (const QString name : {"north-sea", "north sea.v2", "CONSOLE", "COM10", "LPT0", "nul-shallow", "été"})
+        for (const QString name :
+             {"north-sea", "north sea.v2", "CONSOLE", "COM10", "LPT0", "nul-shallow", "été", "CONIN", "COM⁴"})
             QVERIFY2(fast::driveCanHoldFileName(name), qPrintable(name));
-        for (const QString name : {"", "   ", "a/b", "a\\b", "c:", "a*", "why?", "\"q\"", "<a>", "a|b", "cube.",
-                                   "cube ", "CON", "con", "Aux.vds", "nul .txt", "COM1", "lpt9.kv"})
+        for (const QString name : {"",     "   ",     "a/b",   "a\\b",  "c:",     "a*",          "why?",    "\"q\"",
+                                   "<a>",  "a|b",     "cube.", "cube ", "CON",    "con",         "Aux.vds", "nul .txt",
+                                   "COM1", "lpt9.kv", "a\tb",  "x\x1f", "conin$", "CONOUT$.log", "COM¹",    "lpt³.vds"})
             QVERIFY2(!fast::driveCanHoldFileName(name), qPrintable(name));
     }
 };

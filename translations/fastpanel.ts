@@ -140,13 +140,17 @@ Please refer to Bluware FAST™ and Korvane™ log files to get more information
         <source>Successfully found a VDS (url=%1) already registered in Bluware FAST™ with id=%2.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Bluware FAST™ not reachable</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bluware FAST™ could not be reached: nothing was unmounted.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>fast::MountNewVolume</name>
-    <message>
-        <source>A file name cannot be blank, contain / \ : * ? &quot; &lt; &gt; |, end in a dot or a blank, or be a device name (CON, PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9), with or without an extension.</source>
-        <translation type="unfinished"></translation>
-    </message>
     <message>
         <source>Mount a VDS with Bluware FAST™</source>
         <translation type="unfinished"></translation>
@@ -211,6 +215,10 @@ Please refer to Bluware FAST™ and Korvane™ log files to get more information
         <source>Impossible to mount VDS file : %1
 Request response :
  %2 : %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A file name cannot be blank, contain / \ : * ? &quot; &lt; &gt; | or a control character, end in a dot or a blank, or be a device name (CON, PRN, AUX, NUL, CONIN$, CONOUT$, COM1 to COM9, LPT1 to LPT9, COM¹ to COM³, LPT¹ to LPT³), with or without an extension.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

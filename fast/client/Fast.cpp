@@ -2,6 +2,7 @@
 
 #include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
+#include <fast/client/VirtualDrive.h>
 
 #include <korvane/MDEventBus.h>
 #include <osdu/CurlSession.h>
@@ -174,7 +175,7 @@ std::optional<VdsInfo> Fast::findVdsByUrl(const std::string& url) const
     const auto files = getFileList();
     const auto volumes = getVdsList();
     for (const VdsInfo& info : parseVdsInfos(volumes->getMessage(), files->getMessage())) {
-        if (info.url == url)
+        if (samePath(text(info.url), text(url)))
             return info;
     }
     return std::nullopt;
@@ -226,14 +227,16 @@ std::shared_ptr<osdu::HttpResponse> Fast::deleteFile(const std::string& fileId) 
     return tracedCall(Method::Delete, m_baseUrl + kApi + "file/" + fileId, DeleteFileCall);
 }
 
-void Fast::unmountVds(const std::string& vdsId, const std::vector<VdsFile>& files) const
+bool Fast::unmountVds(const std::string& vdsId, const std::vector<VdsFile>& files) const
 {
+    const auto answered = [this](const std::string& route, CallSite site) {
+        return tracedCall(Method::Delete, m_baseUrl + kApi + route, site)->getResponse() != 0;
+    };
     for (const VdsFile& file : files) {
-        if (!file.fileId.empty())
-            tracedCall(Method::Delete, m_baseUrl + kApi + "file/" + file.fileId, UnmountFileCall);
+        if (!file.fileId.empty() && !answered("file/" + file.fileId, UnmountFileCall))
+            return false;
     }
-    if (!vdsId.empty())
-        tracedCall(Method::Delete, m_baseUrl + kApi + "vds/" + vdsId, UnmountVolumeCall);
+    return vdsId.empty() || answered("vds/" + vdsId, UnmountVolumeCall);
 }
 
 SubvolumeRange Fast::getPluginDescription(const std::string& pluginName, const std::string& vdsId) const

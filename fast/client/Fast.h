@@ -49,7 +49,8 @@ public:
 
     std::shared_ptr<osdu::HttpResponse> getVdsList() const;
     std::shared_ptr<osdu::HttpResponse> getFileList() const;
-    // The registered volume whose url equals url byte for byte. Parsing errors pass through.
+    // The registered volume whose url names the same file as url (samePath). Parsing errors pass
+    // through.
     std::optional<VdsInfo> findVdsByUrl(const std::string& url) const;
     // The body is assembled as text; the URL is not escaped.
     std::shared_ptr<osdu::HttpResponse> registerVds(const std::string& url) const;
@@ -59,8 +60,10 @@ public:
                                                   std::int32_t dim2Min, std::int32_t dim2Max) const;
     // An empty id sends nothing and answers status 0: the DELETE would name the whole collection.
     std::shared_ptr<osdu::HttpResponse> deleteFile(const std::string& fileId) const;
-    // Deletes each file, whatever the outcome, then the volume itself; empty ids are skipped.
-    void unmountVds(const std::string& vdsId, const std::vector<VdsFile>& files) const;
+    // Deletes each file, whatever FAST answers, then the volume itself; empty ids are skipped.
+    // False as soon as a request gets no answer at all (status 0), with the rest left unasked:
+    // FAST is not there to take them.
+    bool unmountVds(const std::string& vdsId, const std::vector<VdsFile>& files) const;
     // Throws std::runtime_error "HTTP request failed with status=S, message=BODY" on a status
     // other than 200; parsing errors pass through.
     SubvolumeRange getPluginDescription(const std::string& pluginName, const std::string& vdsId) const;

@@ -43,15 +43,30 @@ bool fileExistsInVirtualDrive(const QString& path)
 
 bool driveCanHoldFileName(const QString& name)
 {
-    static const QRegularExpression forbidden(QStringLiteral(R"([/\\:*?"<>|])"));
-    static const QRegularExpression device(QStringLiteral("^(CON|PRN|AUX|NUL|COM[1-9]|LPT[1-9])$"),
-                                           QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression forbidden(QStringLiteral(R"([/\\:*?"<>|\x00-\x1F])"));
+    // Windows counts the superscript digits one to three as port numbers too.
+    static const QRegularExpression
+        device(QStringLiteral("^(CON|PRN|AUX|NUL|CONIN\\$|CONOUT\\$|(COM|LPT)[1-9\u00B9\u00B2\u00B3])$"),
+               QRegularExpression::CaseInsensitiveOption);
     if (name.trimmed().isEmpty() || name.contains(forbidden) || name.endsWith(QLatin1Char('.'))
         || name.endsWith(QLatin1Char(' ')))
         return false;
     // "CON.txt" and "con .vds" name the device as well.
     const QString stem = name.section(QLatin1Char('.'), 0, 0).trimmed();
     return !device.match(stem).hasMatch();
+}
+
+QString pathKey(const QString& path, PathRules rules)
+{
+    static const QRegularExpression url(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]+://"));
+    if (rules == PathRules::Exact || url.match(path).hasMatch())
+        return path;
+    return QString(path).replace(QLatin1Char('\\'), QLatin1Char('/')).toCaseFolded();
+}
+
+bool samePath(const QString& a, const QString& b, PathRules rules)
+{
+    return pathKey(a, rules) == pathKey(b, rules);
 }
 
 std::string modifyVdsFilepath(const std::string& path)

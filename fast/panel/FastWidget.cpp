@@ -6,6 +6,8 @@
 #include <fast/trees/FastTreeModel.h>
 #include <fast/trees/FastTreeView.h>
 
+#include <osdu/HttpResponse.h>
+
 #include <algorithm>
 
 namespace fast {
@@ -38,7 +40,17 @@ void FastWidget::onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList)
     // the whole collection.
     if (vdsId.empty())
         return;
-    quietly([&] { m_fast->unmountVds(vdsId, fileList); });
+    bool answered = true;
+    quietly([&] { answered = m_fast->unmountVds(vdsId, fileList); });
+    if (!answered) {
+        tellFastUnreachable();
+        return;
+    }
+    forgetVolume(vdsId, fileList);
+}
+
+void FastWidget::forgetVolume(const std::string& vdsId, const std::vector<VdsFile>& fileList)
+{
     auto* model = qobject_cast<FastTreeModel*>(m_treeView->sourceModel());
     if (!model)
         return;
@@ -47,9 +59,20 @@ void FastWidget::onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList)
     model->vdsUnmounted(vdsId);
 }
 
+void FastWidget::tellFastUnreachable()
+{
+    warn(this, tr("Bluware FAST™ not reachable"), tr("Bluware FAST™ could not be reached: nothing was unmounted."));
+}
+
 void FastWidget::onDeleteFile(std::string vdsId, VdsFile& vdsFile)
 {
-    quietly([&] { m_fast->deleteFile(vdsFile.fileId); });
+    int status = -1;
+    quietly([&] { status = m_fast->deleteFile(vdsFile.fileId)->getResponse(); });
+    // An empty id asks nothing of FAST, which cannot have failed to answer.
+    if (status == 0 && !vdsFile.fileId.empty()) {
+        tellFastUnreachable();
+        return;
+    }
     auto* model = qobject_cast<FastTreeModel*>(m_treeView->sourceModel());
     if (!model)
         return;
@@ -71,9 +94,13 @@ void FastWidget::openMountDialog(const QString& projectPath, const VdsModel& vds
     auto* dialog = new MountNewVolume(m_fast, vdsId, range, projectPath, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &MountNewVolume::vdsMounted, this, &FastWidget::onVdsMounted);
+    // Nothing to tell the user of a cancelled first mount: the volume goes from the page whether
+    // FAST heard of it or not.
     connect(dialog, &QDialog::finished, this, [this, vdsModel, vdsId](int result) {
-        if (result == 0 && vdsModel.files.empty())
-            onUnmountVds(vdsId, {});
+        if (result != 0 || !vdsModel.files.empty() || vdsId.empty())
+            return;
+        quietly([&] { m_fast->unmountVds(vdsId, {}); });
+        forgetVolume(vdsId, {});
     });
     dialog->setModal(true);
     dialog->show();

@@ -41,10 +41,11 @@ Q_SIGNALS:
 protected:
     // For the derived page, once it has made m_treeView.
     void connectTreeView();
-    // The host hears of the removals first, then the tree loses the volume.
+    // The host hears of the removals first, then the tree loses the volume. When FAST does not
+    // answer at all, the tree and the host keep everything and the user is told.
     void onUnmountVds(std::string vdsId, std::vector<VdsFile> fileList);
     // The tree loses the file (and a volume left without files is unregistered) before the
-    // host hears of the removal.
+    // host hears of the removal; kept, as above, when FAST does not answer.
     void onDeleteFile(std::string vdsId, VdsFile& vdsFile);
     // The mount dialog for the registered volume vdsId, with the extent FAST's description of
     // it gives: a mount lands in the page's onVdsMounted(); a first mount that is cancelled
@@ -55,6 +56,11 @@ protected:
 
     std::shared_ptr<Fast> m_fast;
     FastTreeView* m_treeView = nullptr;
+
+private:
+    // Tells the host the files are gone and drops the volume from the tree.
+    void forgetVolume(const std::string& vdsId, const std::vector<VdsFile>& fileList);
+    void tellFastUnreachable();
 };
 
 } // namespace fast

@@ -4,6 +4,7 @@
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
 #include <fast/panel/ControlNames.h>
+#include <fast/panel/FileMove_p.h>
 #include <fast/panel/PanelMessages_p.h>
 
 #include <korvane/IconXPMHandler.h>
@@ -14,7 +15,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -27,6 +27,8 @@
 #include <QSpinBox>
 #include <QThread>
 
+#include <cctype>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -36,18 +38,36 @@ namespace fast {
 namespace {
 
 constexpr int kWholeAxisMaximum = 1000000;
-constexpr int kRenameRetryMs = 10;
-constexpr int kRenameAttempts = 1000;
+// How long the link may take to appear, or stay held by another program.
+constexpr std::chrono::milliseconds kRenamePatience{10000};
 
 const char* const kRedLabel = "QLabel { color : red; }";
 const char* const kInvalidNameHelp = QT_TRANSLATE_NOOP(
     "fast::MountNewVolume",
-    "A file name cannot be blank, contain / \\ : * ? \" < > |, end in a dot or a blank, or be a device "
-    "name (CON, PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9), with or without an extension.");
+    "A file name cannot be blank, contain / \\ : * ? \" < > | or a control character, end in a dot or a "
+    "blank, or be a device name (CON, PRN, AUX, NUL, CONIN$, CONOUT$, COM1 to COM9, LPT1 to LPT9, COM¹ to "
+    "COM³, LPT¹ to LPT³), with or without an extension.");
 
 int toInt(const std::string& text)
 {
     return std::stoi(text, nullptr, 10);
+}
+
+// FAST writes numbers with a dot whatever the host's locale: std::stod, which follows the C
+// locale, would read "1.5" as 1 in a German one.
+double toDouble(const std::string& text)
+{
+    const char* first = text.data();
+    const char* const last = first + text.size();
+    while (first != last && std::isspace(static_cast<unsigned char>(*first)))
+        ++first;
+    double value = 0;
+    const std::errc error = std::from_chars(first, last, value).ec;
+    if (error == std::errc::invalid_argument)
+        throw std::invalid_argument("invalid stod argument");
+    if (error == std::errc::result_out_of_range)
+        throw std::out_of_range("stod argument out of range");
+    return value;
 }
 
 // A depth bound is fractional; converting one outside int would be undefined, so it is refused
@@ -183,9 +203,9 @@ void MountNewVolume::applyRange(const SubvolumeRange& range)
         setMaximum(m_crossline, toInt(range.dim1Max));
     // Only whole samples inside the volume can be mounted.
     if (!range.dim2Min.empty())
-        setMinimum(m_z, toWholeDepth(std::ceil(std::stod(range.dim2Min))));
+        setMinimum(m_z, toWholeDepth(std::ceil(toDouble(range.dim2Min))));
     if (!range.dim2Max.empty())
-        setMaximum(m_z, toWholeDepth(std::floor(std::stod(range.dim2Max))));
+        setMaximum(m_z, toWholeDepth(std::floor(toDouble(range.dim2Max))));
 }
 
 void MountNewVolume::onFileNameEdited()
@@ -281,12 +301,10 @@ void MountNewVolume::renameLinkOnceWritten(const QFileInfo& link, const std::str
     const QString target = link.absolutePath() + QDir::separator() + link.completeBaseName();
     const auto renamed = std::make_shared<bool>(false);
     QThread* renamer = QThread::create([source, target, renamed] {
-        for (int attempt = 0; attempt < kRenameAttempts; ++attempt) {
-            if (QFile::rename(source, target)) {
-                *renamed = true;
-                return;
-            }
-            QThread::msleep(kRenameRetryMs);
+        try {
+            *renamed = moveFileWhenFree(source, target, kRenamePatience);
+        } catch (...) {
+            // Left unrenamed: the dialog undoes the mount and says so.
         }
     });
     const QString fileName = link.completeBaseName();
@@ -307,7 +325,7 @@ std::string MountNewVolume::mountedFileId(const std::string& name) const
             if (info.vdsId != m_vdsId)
                 continue;
             for (const VdsFile& file : info.files) {
-                if (file.fileName == name)
+                if (samePath(QString::fromStdString(file.fileName), QString::fromStdString(name)))
                     fileId = file.fileId;
             }
         }

@@ -3,6 +3,7 @@
 #include <fast/client/Fast.h>
 #include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
+#include <fast/client/VirtualDrive.h>
 #include <fast/panel/ControlNames.h>
 #include <fast/panel/MountNewVolume.h>
 #include <fast/panel/PanelMessages_p.h>
@@ -121,11 +122,11 @@ void VdsWidget::init(const QSet<QString>& projectFiles)
         // may hold thousands of files, and this runs on the host's GUI thread.
         QSet<QString> projectFileNames;
         for (const QString& path : projectFiles)
-            projectFileNames.insert(QFileInfo(path).fileName());
+            projectFileNames.insert(pathKey(QFileInfo(path).fileName()));
         QSet<QString> listedNames;
         for (const VdsInfo& info : parseVdsInfos(volumes->getMessage(), files->getMessage())) {
             const bool inProject = std::any_of(info.files.begin(), info.files.end(), [&](const VdsFile& file) {
-                return projectFileNames.contains(text(file.fileName));
+                return projectFileNames.contains(pathKey(text(file.fileName)));
             });
             if (!inProject)
                 continue;
@@ -184,7 +185,7 @@ VdsModel VdsWidget::recordFor(const std::string& url, const QString& newName, bo
 {
     VdsTreeModel* model = vdsModel();
     for (const VdsModel& record : model->vdsList()) {
-        if (record.url == url)
+        if (samePath(text(record.url), text(url)))
             return record;
     }
     m_lineEdit->setText(text(url));

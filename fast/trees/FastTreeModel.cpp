@@ -1,6 +1,7 @@
 #include <fast/trees/FastTreeModel.h>
 
 #include <fast/client/Utf8Text_p.h>
+#include <fast/client/VirtualDrive.h>
 #include <fast/osdu/OsduTreeItem.h>
 
 #include <algorithm>
@@ -53,7 +54,7 @@ void FastTreeModel::removeAllRecords()
 void FastTreeModel::setVdsIdForUrl(const std::string& url, const std::string& vdsId)
 {
     for (VdsModel& record : m_vdsList) {
-        if (record.url == url) {
+        if (samePath(text(record.url), text(url))) {
             record.vdsId = vdsId;
             return;
         }
@@ -63,7 +64,7 @@ void FastTreeModel::setVdsIdForUrl(const std::string& url, const std::string& vd
 void FastTreeModel::removeRecordForUrl(const std::string& url)
 {
     const auto found = std::find_if(m_vdsList.begin(), m_vdsList.end(),
-                                    [&url](const VdsModel& record) { return record.url == url; });
+                                    [&url](const VdsModel& record) { return samePath(text(record.url), text(url)); });
     if (found != m_vdsList.end())
         m_vdsList.erase(found);
 }

@@ -41,6 +41,7 @@ public:
         m_emulator->start();
         m_settings.set("FAST", "FAST_HOST", "127.0.0.1");
         m_settings.set("FAST", "FAST_PORT", QString::number(m_emulator->port()));
+        m_settings.set("FAST", "FAST_MOUNT_POINT", driveDir());
     }
 
     emulator::FastEmulator& emulator() { return *m_emulator; }

@@ -17,6 +17,8 @@ namespace emulator {
 namespace {
 
 const std::string kApi = "/api/v2/";
+// The host project's file extension, which both the link and the drive entry carry.
+const std::string kLinkExtension = ".kv";
 
 void writeFile(const std::string& path, const std::string& content)
 {
@@ -188,7 +190,7 @@ Reply FastService::mount(const std::string& body)
     save();
 
     if (!request.linkPath.empty() && m_scheduleLink)
-        m_scheduleLink(Poco::Path(request.linkPath, file.path.substr(1) + ".kv").toString(), driveFile);
+        m_scheduleLink(Poco::Path(request.linkPath, file.path.substr(1) + kLinkExtension).toString(), driveFile);
     return {200, file.id};
 }
 
@@ -250,7 +252,8 @@ std::string FastService::newId()
 
 std::string FastService::drivePath(const std::string& path) const
 {
-    return Poco::Path(m_config.driveDir.empty() ? "." : m_config.driveDir, path.substr(1)).toString();
+    // FAST names a mounted file's drive entry with the host project's extension.
+    return Poco::Path(m_config.driveDir.empty() ? "." : m_config.driveDir, path.substr(1) + kLinkExtension).toString();
 }
 
 void FastService::removeFromDrive(const MountedFile& file) const

@@ -20,7 +20,7 @@ const char* const kUsage =
     "\n"
     "Serves the FAST REST API (/api/v2/...) on 127.0.0.1:N until interrupted.\n"
     "  --port N           port to listen on (0 picks a free one; it is printed)\n"
-    "  --drive DIR        folder that plays the virtual drive; mounted files appear here\n"
+    "  --drive DIR        folder that plays the virtual drive; a file mounted as NAME appears here as NAME.kv\n"
     "  --version V        version reported by GET /api/v2/about (default 2.0.0)\n"
     "  --no-plugin        behave as if the host's plug-in were not installed\n"
     "  --link-delay-ms N  how long after a mount the link file is written (default 50)\n"

@@ -80,8 +80,7 @@ bool search(const fast::OsduWidget& page)
 QString freeFileName(const QString& wanted, const QString& projectFolder)
 {
     const auto taken = [&projectFolder](const QString& name) {
-        return QDir(projectFolder).exists(name) || QDir(fast::mountPoint()).exists(name)
-               || fast::fileExistsInVirtualDrive(name);
+        return QDir(projectFolder).exists(name) || fast::fileExistsInVirtualDrive(name);
     };
     QString name = wanted;
     for (int suffix = 2; taken(name); ++suffix)
