@@ -219,7 +219,7 @@ private Q_SLOTS:
         QTest::newRow("held a while") << 3 << QString();
         QTest::newRow("held for good") << -1 << QString();
         QTest::newRow("another file under the target name") << 0 << "taken";
-        QTest::newRow("read-only folder") << 0 << "read-only";
+        QTest::newRow("no folder for the target") << 0 << "no folder";
     }
 
     void linkMoveRetriesOnlyWhileTheFileIsHeld()
@@ -227,14 +227,10 @@ private Q_SLOTS:
         QFETCH(int, heldFor);
         QFETCH(QString, hindrance);
         QTemporaryDir folder;
-        const QString link = folder.filePath("cube.kv"), target = folder.filePath("cube");
+        const QString link = folder.filePath("cube.kv");
+        const QString target = folder.filePath(hindrance == "no folder" ? "gone/cube" : "cube");
         QVERIFY(QFile(link).open(QIODevice::WriteOnly)
                 && (hindrance != "taken" || QFile(target).open(QIODevice::WriteOnly)));
-        const auto restore = qScopeGuard(
-            [&] { QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner); });
-        if (hindrance == "read-only" && QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner)
-            && QFileInfo(folder.path()).isWritable())
-            QSKIP("run as root: no folder is read-only");
         int tries = 0;
         const auto heldThenReal = [&](const QString& source, const QString& to) {
             return heldFor < 0 || ++tries <= heldFor ? fast::MoveAttempt::NotYet : fast::moveFileOnce(source, to);
