@@ -39,6 +39,7 @@ struct OsduAuthProvider::State
 
     // With tokenMutex held.
     void keep(const TokenGrant& grant);
+    bool bringsNewRefreshToken(const TokenGrant& grant) const;
     void forget();
 };
 

@@ -28,17 +28,19 @@ void OsduAuthProvider::State::keep(const TokenGrant& grant)
 {
     accessToken = grant.accessToken;
     accessExpiry = grant.accessExpiry;
-    if (!grant.refreshToken.empty()) {
+    // Renewing with a token does not make it last longer: only a new one gets a new expiry, so
+    // a session kept for the next run is given up when the server would give it up.
+    if (bringsNewRefreshToken(grant)) {
         refreshToken = grant.refreshToken;
         refreshExpiry = grant.refreshExpiry.isValid()
                             ? grant.refreshExpiry
                             : QDateTime::currentDateTimeUtc().addSecs(AssumedRefreshLifetimeSeconds);
-    } else if (grant.refreshExpiry.isValid()) {
-        // A lifetime stated for the token that stays.
-        refreshExpiry = grant.refreshExpiry;
     }
-    // Otherwise the token that stays keeps what is known of its expiry: renewing with it does
-    // not make it last longer.
+}
+
+bool OsduAuthProvider::State::bringsNewRefreshToken(const TokenGrant& grant) const
+{
+    return !grant.refreshToken.empty() && grant.refreshToken != refreshToken;
 }
 
 void OsduAuthProvider::State::forget()
@@ -129,7 +131,7 @@ std::string OsduAuthProvider::accessToken()
             const TokenGrant grant = requestTokens(
                 AuthorizationSession::refreshRequest(*this, state.refreshToken, state.timeoutMs));
             if (grant.ok) {
-                const bool refreshChanged = !grant.refreshToken.empty() || grant.refreshExpiry.isValid();
+                const bool refreshChanged = state.bringsNewRefreshToken(grant);
                 state.keep(grant);
                 renewed = state.accessToken;
                 if (!refreshChanged)

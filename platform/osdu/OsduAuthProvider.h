@@ -66,8 +66,8 @@ Q_SIGNALS:
     // The session can no longer be renewed: only a new sign-in (authorizeAsync) brings one back.
     // May be emitted from the thread that asked for a token.
     void sessionEnded();
-    // A renewal brought a new refresh token or a new lifetime for it: whoever keeps the session
-    // for the next run keeps this one. May be emitted from the thread that asked for a token.
+    // A renewal brought a new refresh token: whoever keeps the session for the next run keeps
+    // this one. May be emitted from the thread that asked for a token.
     void refreshTokenRenewed();
 
 protected:
