@@ -224,10 +224,11 @@ void OsduClientTest::plainHttpIsRefusedOffLoopback()
     Signals outcome(*platform.provider);
     platform.provider->initialize(params);
     QVERIFY(platform.provider->authorizeAsync(TimeoutMs));
-    QTRY_COMPARE_WITH_TIMEOUT(outcome.errors.count(), 1, TimeoutMs);
-    QCOMPARE(outcome.errors[0][0].toString().startsWith(refusal), refused);
+    QTRY_VERIFY_WITH_TIMEOUT(outcome.errors.count() == 1 || opened, TimeoutMs);
     // A refused sign-in goes nowhere, not even to the browser.
     QCOMPARE(opened, !refused);
+    if (refused)
+        QVERIFY(outcome.errors[0][0].toString().startsWith(refusal));
     QCOMPARE(platform.server.requests().size(), std::size_t(0));
 }
 
@@ -243,8 +244,6 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords_data()
     QTest::newRow("provider closed during the exchange: it waits for it") << "closed" << QString() << QString();
     QTest::newRow("callback port taken") << "port"
                                          << "Unable to listen for the sign-in answer on port" << QString();
-    QTest::newRow("no browser") << "browser"
-                                << "Unable to open the web browser for sign-in" << QString();
     const QString refused = "Sign-in was refused by the authorization server";
     QTest::newRow("refused in the browser")
         << "plain" << refused << "invalid_request: code_challenge_method must be S256";
@@ -281,8 +280,6 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
     QVERIFY(squatter.listen(QHostAddress::LocalHost));
     if (failure == "port")
         params.callbackPort = squatter.serverPort();
-    if (failure == "browser")
-        platform.provider->setBrowserOpener([](const QUrl&) { return false; });
     Signals outcome(*platform.provider);
     platform.provider->initialize(params);
     QVERIFY(platform.provider->authorizeAsync(TimeoutMs));
@@ -297,7 +294,7 @@ void OsduClientTest::everyFailureEndsInOneErrorInTheServersWords()
     QCOMPARE(outcome.authorized.count(), 0);
     QCOMPARE(platform.provider->refreshToken().isEmpty(), failure != "down");
     QVERIFY(!outcome.said().contains(kIssued) && !outcome.said().contains("panel-secret"));
-    if (failure != "port" && failure != "browser" && failure != "down")
+    if (failure != "port" && failure != "down")
         QVERIFY(!acceptsConnections(QHostAddress::LocalHost, platform.watch.callbackPort()));
     QVERIFY(platform.provider->authorizeAsync(TimeoutMs)); // the failed sign-in is over
 }

@@ -21,6 +21,12 @@ std::size_t appendToString(char* data, std::size_t size, std::size_t count, void
     return size * count;
 }
 
+int abortWhenCancelled(void* cancelled, curl_off_t /*downloadTotal*/, curl_off_t /*downloaded*/,
+                       curl_off_t /*uploadTotal*/, curl_off_t /*uploaded*/)
+{
+    return static_cast<const std::atomic<bool>*>(cancelled)->load() ? 1 : 0;
+}
+
 CURL* asCurl(void* handle)
 {
     return static_cast<CURL*>(handle);
@@ -61,6 +67,11 @@ void CurlSession::setTimeoutMs(long timeoutMs)
     m_timeoutMs = timeoutMs;
 }
 
+void CurlSession::setCancelFlag(const std::atomic<bool>* cancelled)
+{
+    m_cancelled = cancelled;
+}
+
 CurlResponse CurlSession::get()
 {
     return perform("GET");
@@ -94,6 +105,11 @@ CurlResponse CurlSession::perform(const char* method)
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &response.text);
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headerList);
     curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, m_timeoutMs);
+    // libcurl calls the progress function at least once a second, also while waiting for an answer.
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, m_cancelled ? 0L : 1L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, m_cancelled ? &abortWhenCancelled : nullptr);
+    // libcurl hands its data on as void*; the flag is only read.
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, const_cast<std::atomic<bool>*>(m_cancelled));
     if (verb == "POST") {
         curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, nullptr);
         curl_easy_setopt(curl, CURLOPT_POST, 1L);

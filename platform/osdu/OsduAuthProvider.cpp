@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace osdu {
 
@@ -98,6 +99,11 @@ bool OsduAuthProvider::authorizeAsync(int timeoutMs)
     else
         session->startWithRefreshToken(refreshToken);
     return true;
+}
+
+void OsduAuthProvider::cancelAuthorization()
+{
+    delete std::exchange(m_state->session, nullptr);
 }
 
 QString OsduAuthProvider::refreshToken() const
