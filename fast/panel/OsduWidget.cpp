@@ -28,11 +28,11 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace fast {
 
@@ -100,12 +100,14 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     copyButton->setObjectName(kOsduCopyAddressButton);
     connect(copyButton, &QPushButton::clicked, this,
             [this] { QGuiApplication::clipboard()->setText(m_signInAddress->text()); });
-    auto* addressLayout = new QHBoxLayout(m_signInAddressRow);
+    auto* explanation = new QLabel(tr("No web browser could be opened. Open this address in one to sign in:"),
+                                   m_signInAddressRow);
+    explanation->setWordWrap(true);
+    auto* addressLayout = new QGridLayout(m_signInAddressRow);
     addressLayout->setContentsMargins(0, 0, 0, 0);
-    addressLayout->addWidget(
-        new QLabel(tr("No web browser could be opened. Open this address in one to sign in:"), m_signInAddressRow));
-    addressLayout->addWidget(m_signInAddress, 1);
-    addressLayout->addWidget(copyButton);
+    addressLayout->addWidget(explanation, 0, 0, 1, 2);
+    addressLayout->addWidget(m_signInAddress, 1, 0);
+    addressLayout->addWidget(copyButton, 1, 1);
     m_signInAddressRow->hide();
 
     auto* page = new QVBoxLayout(this);
