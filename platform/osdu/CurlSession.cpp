@@ -1,5 +1,7 @@
 #include <osdu/CurlSession.h>
 
+#include "NetworkRoute.h"
+
 #include <curl/curl.h>
 
 #include <mutex>
@@ -99,6 +101,7 @@ CurlResponse CurlSession::perform(const char* method)
         headerList = curl_slist_append(headerList, (header.first + ": " + header.second).c_str());
 
     curl_easy_setopt(curl, CURLOPT_URL, m_url.c_str());
+    applyNetworkRoute(curl, m_url);
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, errorBuffer);
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &appendToString);

@@ -19,8 +19,8 @@ struct CurlResponse
 };
 
 // The tree's one HTTP transport, a thin RAII layer over one libcurl easy handle. By default a
-// request carries no header, no time-out and libcurl's own TLS and proxy defaults (proxies come
-// from the environment). A session may be reused for several requests: libcurl then keeps the
+// request carries no header and no time-out, and takes the system's proxy and certificates
+// (applyNetworkRoute). A session may be reused for several requests: libcurl then keeps the
 // connection alive between them. Not for use by two threads at once.
 class OSDU_EXPORT CurlSession
 {
