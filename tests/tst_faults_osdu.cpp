@@ -151,7 +151,6 @@ void FaultsOsduTest::faults_data()
     row("token endpoint silent past the time-out", "none", "connect", "silent",
         unreachable + "Operation timed out after ");
     row("server back", "none", "connect", "", "");
-    // Connect reads Cancel while the sign-in waits; a person without a browser copies the address.
     row("no browser, signed in from the copied address", "none", "copy", "no browser", "");
     row("no browser, cancelled", "none", "cancel", "no browser", "");
     row("no browser, the page closed", "none", "close", "no browser", "");
@@ -196,16 +195,13 @@ void FaultsOsduTest::faults()
             m_osdu->setDelay("/oauth2/token", 2 * kSignInLimitMs);
         MessageBoxAnswerer boxes;
         QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
-        QCOMPARE(connectButton(*m_page)->text(), "Cancel");
-        QVERIFY(connectButton(*m_page)->isEnabled());
+        QVERIFY(connectButton(*m_page)->text() == "Cancel" && connectButton(*m_page)->isEnabled());
         if (fault == "no browser") {
             QTRY_VERIFY(signInAddress(*m_page)->isVisibleTo(m_page.get()));
             QTest::mouseClick(copyAddressButton(*m_page), Qt::LeftButton);
             QCOMPARE(QGuiApplication::clipboard()->text(), m_browser.lastPage().toString(QUrl::FullyEncoded));
         } else {
-            QTRY_VERIFY(bus.texts(Information)
-                            .contains("OSDU Authentication: Completing the sign-in with the "
-                                      "authorization server"));
+            QTRY_VERIFY(!bus.texts(Information).filter("Completing the sign-in").isEmpty());
         }
         if (action == "copy") {
             testBrowser()(QUrl(QGuiApplication::clipboard()->text())); // the person's own browser
@@ -215,7 +211,6 @@ void FaultsOsduTest::faults()
             else
                 m_page = std::make_unique<fast::OsduWidget>(m_fast->client(), m_fast->projectDir());
             QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
-            QCOMPARE(connectButton(*m_page)->text(), "Connect");
             // Nothing of it is left: the next Connect starts a sign-in of its own.
             m_osdu->clearFaults();
             m_provider->setBrowserOpener(m_browser.opener(testBrowser()));
@@ -223,8 +218,7 @@ void FaultsOsduTest::faults()
             QCOMPARE(m_browser.opened(), opened + 2);
         }
         QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), kSignInLimitMs);
-        QCOMPARE(connectButton(*m_page)->text(), "Connect");
-        QVERIFY(!signInAddress(*m_page)->isVisibleTo(m_page.get()));
+        QVERIFY(connectButton(*m_page)->text() == "Connect" && !signInAddress(*m_page)->isVisibleTo(m_page.get()));
         QVERIFY(boxes.boxes().isEmpty());
     } else if (action == "connect" && !said.isEmpty()) {
         MessageBoxAnswerer boxes;
