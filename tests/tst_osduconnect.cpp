@@ -64,8 +64,7 @@ void OsduConnectTest::connectWithoutSettingsFailsEveryTime()
     // A sign-in failure without details shows the message alone.
     page->authenticationError("Sign-in was refused", "", QUrl());
     QTRY_COMPARE(boxes.summaries().value(2), "Failed to connect to OSDU environment: Sign-in was refused");
-    // The panel reopened shows the provider that the process keeps.
-    page = std::make_unique<fast::OsduWidget>(std::make_shared<fast::Fast>("127.0.0.1"), project.path());
+    page = std::make_unique<fast::OsduWidget>(std::make_shared<fast::Fast>("127.0.0.1"), project.path()); // reopened
     QCOMPARE(providerChoice(*page)->currentText(), "Microsoft Azure");
     QVERIFY(!providerChoice(*page)->isEnabled());
 }
