@@ -76,7 +76,7 @@ Route routeFor(const std::string& url)
     const auto found = known.find(key);
     if (found != known.end() && now - found->second.asked < kRouteLifetime)
         return found->second.route;
-    const Route route = systemRoute(parsed);
+    Route route = systemRoute(parsed);
     known[key] = {route, now};
     return route;
 }
