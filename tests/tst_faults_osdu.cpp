@@ -22,6 +22,7 @@
 #include <osdu/OsduAuthProvider.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QPushButton>
 #include <QSettings>
 #include <QtTest>
@@ -117,6 +118,7 @@ void FaultsOsduTest::init()
 void FaultsOsduTest::cleanup()
 {
     m_osdu->clearFaults();
+    m_provider->setBrowserOpener(m_browser.opener(testBrowser()));
     if (!m_osdu->isRunning())
         m_osdu->start();
     m_fast->settings().remove("FAST", "OSDU_AUTHENTICATION_TIMEOUT");
@@ -149,6 +151,10 @@ void FaultsOsduTest::faults_data()
     row("token endpoint silent past the time-out", "none", "connect", "silent",
         unreachable + "Operation timed out after ");
     row("server back", "none", "connect", "", "");
+    row("no browser, signed in from the copied address", "none", "copy", "no browser", "");
+    row("no browser, cancelled", "none", "cancel", "no browser", "");
+    row("no browser, the page closed", "none", "close", "no browser", "");
+    row("cancelled during the code exchange", "none", "cancel", "silent", "");
     row("platform certificate untrusted", "signed in", "search", "untrusted",
         "Unable to query the record with id= in partition=opendes: Search failed: the platform could not be reached: "
         "SSL certificate problem: ");
@@ -177,12 +183,44 @@ void FaultsOsduTest::faults()
         m_osdu->stop();
     else if (fault == "failing")
         m_osdu->setTokenFault(emulator::TokenFault::Fail);
-    if (fault == "silent") {
+    if (fault == "silent" && action == "connect") {
         m_osdu->setDelay("/oauth2/token", kSilenceMs);
         m_fast->settings().set("FAST", "OSDU_AUTHENTICATION_TIMEOUT", "1");
     }
 
-    if (action == "connect" && !said.isEmpty()) {
+    if (action == "copy" || action == "cancel" || action == "close") {
+        if (fault == "no browser")
+            m_provider->setBrowserOpener(m_browser.opener([](const QUrl&) { return false; }));
+        else
+            m_osdu->setDelay("/oauth2/token", 2 * kSignInLimitMs);
+        MessageBoxAnswerer boxes;
+        QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+        QVERIFY(connectButton(*m_page)->text() == "Cancel" && connectButton(*m_page)->isEnabled());
+        if (fault == "no browser") {
+            QTRY_VERIFY(signInAddress(*m_page)->isVisibleTo(m_page.get()));
+            QTest::mouseClick(copyAddressButton(*m_page), Qt::LeftButton);
+            QCOMPARE(QGuiApplication::clipboard()->text(), m_browser.lastPage().toString(QUrl::FullyEncoded));
+        } else {
+            QTRY_VERIFY(!bus.texts(Information).filter("Completing the sign-in").isEmpty());
+        }
+        if (action == "copy") {
+            testBrowser()(QUrl(QGuiApplication::clipboard()->text())); // the person's own browser
+        } else {
+            if (action == "cancel") // breaks off an exchange that would outlast the test
+                QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+            else
+                m_page = std::make_unique<fast::OsduWidget>(m_fast->client(), m_fast->projectDir());
+            QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
+            // Nothing of it is left: the next Connect starts a sign-in of its own.
+            m_osdu->clearFaults();
+            m_provider->setBrowserOpener(m_browser.opener(testBrowser()));
+            QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
+            QCOMPARE(m_browser.opened(), opened + 2);
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(searchInput(*m_page)->isEnabled(), kSignInLimitMs);
+        QVERIFY(connectButton(*m_page)->text() == "Connect" && !signInAddress(*m_page)->isVisibleTo(m_page.get()));
+        QVERIFY(boxes.boxes().isEmpty());
+    } else if (action == "connect" && !said.isEmpty()) {
         MessageBoxAnswerer boxes;
         QTest::mouseClick(connectButton(*m_page), Qt::LeftButton);
         // A silent server: the time-out, not the server, ends the wait.

@@ -48,10 +48,11 @@ void OsduConnectTest::connectWithoutSettingsFailsEveryTime()
 {
     TestSettings settings;
     QTemporaryDir project;
-    fast::OsduWidget page(std::make_shared<fast::Fast>("127.0.0.1"), project.path());
+    auto page = std::make_unique<fast::OsduWidget>(std::make_shared<fast::Fast>("127.0.0.1"), project.path());
+    providerChoice(*page)->setCurrentIndex(OsduFastInitializer::Azure);
     EventBusRecorder bus;
     MessageBoxAnswerer boxes;
-    QPushButton* connect = connectButton(page);
+    QPushButton* connect = connectButton(*page);
     QTest::mouseClick(connect, Qt::LeftButton);
     QTest::mouseClick(connect, Qt::LeftButton);
     QTRY_COMPARE(boxes.boxes().size(), 2);
@@ -59,10 +60,13 @@ void OsduConnectTest::connectWithoutSettingsFailsEveryTime()
     QCOMPARE(boxes.summaries(), QStringList({failure, failure}));
     QCOMPARE(bus.texts(Trace), QStringList({"FAST OSDU connection error", "FAST OSDU connection error"}));
     QVERIFY(connect->isEnabled());
-    QVERIFY(!providerChoice(page)->isEnabled());
+    QVERIFY(!providerChoice(*page)->isEnabled());
     // A sign-in failure without details shows the message alone.
-    page.authenticationError("Sign-in was refused", "", QUrl());
+    page->authenticationError("Sign-in was refused", "", QUrl());
     QTRY_COMPARE(boxes.summaries().value(2), "Failed to connect to OSDU environment: Sign-in was refused");
+    page = std::make_unique<fast::OsduWidget>(std::make_shared<fast::Fast>("127.0.0.1"), project.path()); // reopened
+    QCOMPARE(providerChoice(*page)->currentText(), "Microsoft Azure");
+    QVERIFY(!providerChoice(*page)->isEnabled());
 }
 
 QTEST_MAIN(OsduConnectTest)

@@ -77,6 +77,7 @@ int ThirdPartySignInTest::datasetsFound(OsduFastInitializer& initializer)
 void ThirdPartySignInTest::signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser()
 {
     const int renewals = m_server->count("grant refresh_token");
+    const QDateTime weekOld = QDateTime::currentDateTime().addDays(23);
     {
         OsduFastInitializer first(OsduFastInitializer::AWS);
         const auto visit = std::make_shared<BrowserVisit>();
@@ -84,6 +85,8 @@ void ThirdPartySignInTest::signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser()
         // Its login page, then its consent page (asked for by the prompt).
         QCOMPARE(visit->formsAnswered, 2);
         QVERIFY(!QSettings().value("AWS/OSDU_REFRESH_TOKEN").toString().isEmpty());
+        // As if that sign-in had been a week ago.
+        QSettings().setValue("AWS/OSDU_REFRESH_TOKEN_EXPIRY", weekOld);
         // Its access token has already run out: the search renews it before it asks.
         QCOMPARE(datasetsFound(first), kDatasets);
         QVERIFY(m_server->count("grant refresh_token") > renewals);
@@ -91,6 +94,8 @@ void ThirdPartySignInTest::signsInOnTheServersPagesAndTheNextRunNeedsNoBrowser()
     OsduFastInitializer next(OsduFastInitializer::AWS);
     QVERIFY(signsInWithoutBrowser(*next.authProvider()));
     QCOMPARE(datasetsFound(next), kDatasets);
+    // Its renewals hand the same refresh token back, which lasts no longer for it.
+    QCOMPARE(QSettings().value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime(), weekOld);
 }
 
 void ThirdPartySignInTest::withoutAConsentPromptNoSessionIsKept()

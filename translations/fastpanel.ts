@@ -332,6 +332,22 @@ Request response :
         <source>Unable to mount VDS (url=%1; id=%2) in Bluware FAST™. Exception : %3</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No web browser could be opened. Open this address in one to sign in:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sign-in cancelled</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>fast::SearchInput</name>
@@ -421,10 +437,6 @@ Request response :
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Unable to open the web browser for sign-in</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Not found.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -454,6 +466,10 @@ Request response :
     </message>
     <message>
         <source>%1. You can close this window.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No web browser could be opened: the sign-in address is shown instead</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -22,6 +22,9 @@ inline constexpr char kVdsTree[] = "fastVdsTree";
 // OsduWidget.
 inline constexpr char kOsduProviderChoice[] = "fastOsduProviderChoice";
 inline constexpr char kOsduConnectButton[] = "fastOsduConnectButton";
+// Shown while a sign-in waits for a person who has no browser that the panel could open.
+inline constexpr char kOsduSignInAddress[] = "fastOsduSignInAddress";
+inline constexpr char kOsduCopyAddressButton[] = "fastOsduCopyAddressButton";
 inline constexpr char kOsduSearchInput[] = "fastOsduSearchInput";
 inline constexpr char kOsduSearchButton[] = "fastOsduSearchButton";
 inline constexpr char kOsduResultLabel[] = "fastOsduResultLabel";

@@ -24,11 +24,15 @@
 #include <Poco/JSON/JSONException.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace fast {
 
@@ -87,7 +91,29 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     m_connectButton->setObjectName(kOsduConnectButton);
     const QPixmap helpIcon = *iconHandler->getPixmap("help24");
 
-    auto* layout = new QGridLayout(this);
+    // Read-only, so that the address can be selected and copied by mouse or keyboard.
+    m_signInAddressRow = new QWidget(this);
+    m_signInAddress = new QLineEdit(m_signInAddressRow);
+    m_signInAddress->setReadOnly(true);
+    m_signInAddress->setObjectName(kOsduSignInAddress);
+    auto* copyButton = new QPushButton(tr("Copy"), m_signInAddressRow);
+    copyButton->setObjectName(kOsduCopyAddressButton);
+    connect(copyButton, &QPushButton::clicked, this,
+            [this] { QGuiApplication::clipboard()->setText(m_signInAddress->text()); });
+    auto* explanation = new QLabel(tr("No web browser could be opened. Open this address in one to sign in:"),
+                                   m_signInAddressRow);
+    explanation->setWordWrap(true);
+    auto* addressLayout = new QGridLayout(m_signInAddressRow);
+    addressLayout->setContentsMargins(0, 0, 0, 0);
+    addressLayout->addWidget(explanation, 0, 0, 1, 2);
+    addressLayout->addWidget(m_signInAddress, 1, 0);
+    addressLayout->addWidget(copyButton, 1, 1);
+    m_signInAddressRow->hide();
+
+    auto* page = new QVBoxLayout(this);
+    page->addWidget(m_signInAddressRow);
+    auto* layout = new QGridLayout;
+    page->addLayout(layout);
     layout->addWidget(m_providerChoice, 0, 0, 1, 2);
     layout->addWidget(m_connectButton, 0, 2);
     layout->addWidget(new kvWidgets::HelpToolTip(helpIcon, tr(kProviderHelp), this), 0, 3);
@@ -100,6 +126,14 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     for (QWidget* widget : {static_cast<QWidget*>(m_searchInput), static_cast<QWidget*>(m_searchButton),
                             static_cast<QWidget*>(m_resultLabel), static_cast<QWidget*>(m_osduTree)})
         widget->setEnabled(false);
+
+    // The process signs in with the provider of its first Connect, whichever page that was on.
+    if (const auto current = OsduFastInitializer::currentInstance(); current && current->authProvider()) {
+        const bool azure = current->authProvider()->getProviderName()
+                           == OsduFastInitializer::getCloudProviderSettingsGroup(OsduFastInitializer::Azure);
+        m_providerChoice->setCurrentIndex(azure ? OsduFastInitializer::Azure : OsduFastInitializer::AWS);
+        m_providerChoice->setEnabled(false);
+    }
 
     m_treeView = m_osduTree;
     connectTreeView();
@@ -115,6 +149,9 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
 
 OsduWidget::~OsduWidget()
 {
+    // Nobody would see the address or the outcome of this page's sign-in any more.
+    if (m_signingIn)
+        cancelSignIn();
     // The search's late results are dropped with the search box; the cursor it set is not.
     if (m_searching)
         QApplication::restoreOverrideCursor();
@@ -139,6 +176,10 @@ void OsduWidget::setConnectedToFast(bool connected)
 
 void OsduWidget::onConnect()
 {
+    if (m_signingIn) {
+        cancelSignIn();
+        return;
+    }
     // The initializer is process-wide and keeps the first provider.
     m_providerChoice->setEnabled(false);
     try {
@@ -154,12 +195,14 @@ void OsduWidget::onConnect()
                               tr("Failed to initialize the OSDU runtime environment."), QMessageBox::Ok);
         return;
     }
-    m_connectButton->setEnabled(false);
+    setSigningIn(true);
     osdu::OsduAuthProvider* provider = m_initializer->authProvider().get();
     connect(provider, &osdu::OsduAuthProvider::userAuthorized, this, &OsduWidget::userAuthorized, Qt::UniqueConnection);
     connect(provider, &osdu::OsduAuthProvider::error, this, &OsduWidget::authenticationError, Qt::UniqueConnection);
     connect(provider, &osdu::OsduAuthProvider::info, this, &OsduWidget::logAuthInfo, Qt::UniqueConnection);
     connect(provider, &osdu::OsduAuthProvider::sessionEnded, this, &OsduWidget::sessionEnded, Qt::UniqueConnection);
+    connect(provider, &osdu::OsduAuthProvider::browserNotOpened, this, &OsduWidget::showSignInAddress,
+            Qt::UniqueConnection);
     try {
         provider->authorizeAsync(OsduFastInitializer::authenticationTimeoutMs());
     } catch (const std::exception& failure) {
@@ -169,7 +212,7 @@ void OsduWidget::onConnect()
 
 void OsduWidget::authenticationError(const QString& message, const QString& details, const QUrl& /*url*/)
 {
-    m_connectButton->setEnabled(true);
+    setSigningIn(false);
     QString shown = message;
     if (!details.isEmpty())
         shown += QString("<br>%1").arg(details);
@@ -184,8 +227,34 @@ void OsduWidget::logAuthInfo(const QString& message)
 
 void OsduWidget::userAuthorized()
 {
-    m_connectButton->setEnabled(true);
+    setSigningIn(false);
     Q_EMIT enableUI();
+}
+
+void OsduWidget::setSigningIn(bool signingIn)
+{
+    m_signingIn = signingIn;
+    m_connectButton->setText(signingIn ? tr("Cancel") : tr("Connect"));
+    m_connectButton->setEnabled(true);
+    if (!signingIn)
+        m_signInAddressRow->hide();
+}
+
+void OsduWidget::cancelSignIn()
+{
+    setSigningIn(false);
+    if (m_initializer && m_initializer->authProvider())
+        m_initializer->authProvider()->cancelAuthorization();
+    logAuthInfo(tr("Sign-in cancelled"));
+}
+
+void OsduWidget::showSignInAddress(const QUrl& url)
+{
+    if (!m_signingIn)
+        return;
+    m_signInAddress->setText(url.toString(QUrl::FullyEncoded));
+    m_signInAddress->setCursorPosition(0);
+    m_signInAddressRow->show();
 }
 
 void OsduWidget::sessionEnded()

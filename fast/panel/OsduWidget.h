@@ -11,6 +11,7 @@
 
 class QComboBox;
 class QLabel;
+class QLineEdit;
 class QPushButton;
 
 namespace fast {
@@ -35,7 +36,8 @@ public:
 
     // Connect: takes the process-wide initializer (the first provider chosen in the process
     // stays), listens to its provider and starts the sign-in; a provider that cannot be set up
-    // is an "Error Initializing OSDU" box.
+    // is an "Error Initializing OSDU" box. While the sign-in waits the button reads "Cancel",
+    // and pressing it again ends the sign-in.
     void onConnect();
     // The sign-in failed: the message and its details in a box, and Connect enabled again.
     void authenticationError(const QString& message, const QString& details, const QUrl& url);
@@ -63,6 +65,10 @@ Q_SIGNALS:
 
 private:
     void enableSearch();
+    // Connect reads "Cancel" while a sign-in this page started waits; the address shows only then.
+    void setSigningIn(bool signingIn);
+    void cancelSignIn();
+    void showSignInAddress(const QUrl& url);
     void tellSessionEnded();
     // The VDS FAST knows, empty (and reported) when the listing cannot be read.
     std::vector<VdsInfo> fastVolumes();
@@ -83,6 +89,9 @@ private:
     bool m_searching = false;
     // The session ended during the search under way; told when it is over.
     bool m_sessionEnded = false;
+    QWidget* m_signInAddressRow = nullptr;
+    QLineEdit* m_signInAddress = nullptr;
+    bool m_signingIn = false;
 };
 
 } // namespace fast

@@ -54,6 +54,7 @@ AuthorizationSession::AuthorizationSession(OsduAuthProvider& provider, long time
 
 AuthorizationSession::~AuthorizationSession()
 {
+    m_cancelled = true;
     if (m_exchange)
         m_exchange->wait();
 }
@@ -125,8 +126,12 @@ void AuthorizationSession::startInBrowser()
     });
     m_browserWait.start(OsduAuthProvider::BrowserWaitLimitMs);
     Q_EMIT m_provider.info(tr("Waiting for the sign-in in the web browser"));
-    if (!m_provider.m_state->opener(QUrl::fromEncoded(url, QUrl::StrictMode)))
-        finish({tr("Unable to open the web browser for sign-in"), {}, authorizationEndpoint()});
+    const QUrl signInUrl = QUrl::fromEncoded(url, QUrl::StrictMode);
+    // The person can still open the page in a browser of their own: the wait goes on.
+    if (!m_provider.m_state->opener(signInUrl)) {
+        Q_EMIT m_provider.info(tr("No web browser could be opened: the sign-in address is shown instead"));
+        Q_EMIT m_provider.browserNotOpened(signInUrl);
+    }
 }
 
 void AuthorizationSession::refuse(const QString& message, const QString& url)
@@ -207,6 +212,7 @@ void AuthorizationSession::handleCallback(QTcpSocket* socket, const QByteArray& 
 void AuthorizationSession::exchange(TokenRequest request)
 {
     // The GUI thread must not wait on the network; the answer comes back to this thread.
+    request.cancelled = &m_cancelled;
     m_exchange.reset(QThread::create([this, request = std::move(request)] {
         const TokenGrant grant = requestTokens(request);
         QMetaObject::invokeMethod(
@@ -247,21 +253,22 @@ void AuthorizationSession::finish(const Outcome& outcome)
         else
             reply(socket, 400, tr("%1. You can close this window.").arg(outcome.message));
     }
-    if (m_provider.m_state->session == this)
-        m_provider.m_state->session = nullptr;
-    deleteLater();
-
-    // Queued, so that no outcome reaches a slot from inside authorizeAsync().
-    OsduAuthProvider* provider = &m_provider;
+    // Queued, so that no outcome reaches a slot from inside authorizeAsync(); and to this
+    // session, so that a sign-in cancelled meanwhile says nothing.
     QMetaObject::invokeMethod(
-        provider,
-        [provider, outcome] {
-            if (outcome.message.isEmpty())
-                Q_EMIT provider->userAuthorized();
-            else
-                Q_EMIT provider->error(outcome.message, outcome.details, outcome.url);
-        },
-        Qt::QueuedConnection);
+        this, [this, outcome] { deliver(outcome); }, Qt::QueuedConnection);
+}
+
+void AuthorizationSession::deliver(const Outcome& outcome)
+{
+    OsduAuthProvider* provider = &m_provider;
+    if (provider->m_state->session == this)
+        provider->m_state->session = nullptr;
+    deleteLater();
+    if (outcome.message.isEmpty())
+        Q_EMIT provider->userAuthorized();
+    else
+        Q_EMIT provider->error(outcome.message, outcome.details, outcome.url);
 }
 
 QUrl AuthorizationSession::authorizationEndpoint() const

@@ -14,6 +14,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -39,11 +40,12 @@ struct OsduAuthProvider::State
 
     // With tokenMutex held.
     void keep(const TokenGrant& grant);
+    bool bringsNewRefreshToken(const TokenGrant& grant) const;
     void forget();
 };
 
 // One sign-in, from authorizeAsync() to its one outcome. Everything it listens with or waits
-// for ends with it.
+// for ends with it, and deleting it before its outcome is delivered cancels it: nothing follows.
 class AuthorizationSession : public QObject
 {
     Q_OBJECT
@@ -75,6 +77,7 @@ private:
     void exchange(TokenRequest request);
     void exchanged(const TokenGrant& grant);
     void finish(const Outcome& outcome);
+    void deliver(const Outcome& outcome);
     QUrl authorizationEndpoint() const;
 
     OsduAuthProvider& m_provider;
@@ -88,6 +91,7 @@ private:
     QByteArray m_callbackPath;
     QPointer<QTcpSocket> m_browser; // the answered callback, held until the outcome is known
     std::unique_ptr<QThread> m_exchange;
+    std::atomic<bool> m_cancelled{false}; // ends the exchange early when the session goes
     bool m_refreshing = false;
     bool m_finished = false;
 };

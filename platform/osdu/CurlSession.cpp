@@ -1,5 +1,7 @@
 #include <osdu/CurlSession.h>
 
+#include "NetworkRoute.h"
+
 #include <curl/curl.h>
 
 #include <mutex>
@@ -19,6 +21,12 @@ std::size_t appendToString(char* data, std::size_t size, std::size_t count, void
 {
     static_cast<std::string*>(target)->append(data, size * count);
     return size * count;
+}
+
+int abortWhenCancelled(void* cancelled, curl_off_t /*downloadTotal*/, curl_off_t /*downloaded*/,
+                       curl_off_t /*uploadTotal*/, curl_off_t /*uploaded*/)
+{
+    return static_cast<const std::atomic<bool>*>(cancelled)->load() ? 1 : 0;
 }
 
 CURL* asCurl(void* handle)
@@ -61,6 +69,11 @@ void CurlSession::setTimeoutMs(long timeoutMs)
     m_timeoutMs = timeoutMs;
 }
 
+void CurlSession::setCancelFlag(const std::atomic<bool>* cancelled)
+{
+    m_cancelled = cancelled;
+}
+
 CurlResponse CurlSession::get()
 {
     return perform("GET");
@@ -88,12 +101,18 @@ CurlResponse CurlSession::perform(const char* method)
         headerList = curl_slist_append(headerList, (header.first + ": " + header.second).c_str());
 
     curl_easy_setopt(curl, CURLOPT_URL, m_url.c_str());
+    applyNetworkRoute(curl, m_url);
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, errorBuffer);
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &appendToString);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &response.text);
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headerList);
     curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, m_timeoutMs);
+    // libcurl calls the progress function at least once a second, also while waiting for an answer.
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, m_cancelled ? 0L : 1L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, m_cancelled ? &abortWhenCancelled : nullptr);
+    // libcurl hands its data on as void*; the flag is only read.
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, const_cast<std::atomic<bool>*>(m_cancelled));
     if (verb == "POST") {
         curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, nullptr);
         curl_easy_setopt(curl, CURLOPT_POST, 1L);

@@ -2,6 +2,7 @@
 
 #include <osdu/osdu_export.h>
 
+#include <atomic>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,8 +19,8 @@ struct CurlResponse
 };
 
 // The tree's one HTTP transport, a thin RAII layer over one libcurl easy handle. By default a
-// request carries no header, no time-out and libcurl's own TLS and proxy defaults (proxies come
-// from the environment). A session may be reused for several requests: libcurl then keeps the
+// request carries no header and no time-out, and takes the system's proxy and certificates
+// (applyNetworkRoute). A session may be reused for several requests: libcurl then keeps the
 // connection alive between them. Not for use by two threads at once.
 class OSDU_EXPORT CurlSession
 {
@@ -36,6 +37,9 @@ public:
     void setHeaders(std::vector<Header> headers);
     // 0 means no limit, the default.
     void setTimeoutMs(long timeoutMs);
+    // A transfer under way ends, as failed, within about a second of *cancelled turning true.
+    // The flag must outlive the transfers; nullptr (the default) means none.
+    void setCancelFlag(const std::atomic<bool>* cancelled);
 
     CurlResponse get();
     CurlResponse post();
@@ -49,6 +53,7 @@ private:
     std::string m_body;
     std::vector<Header> m_headers;
     long m_timeoutMs = 0;
+    const std::atomic<bool>* m_cancelled = nullptr;
 };
 
 } // namespace osdu

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace osdu {
 
@@ -28,17 +29,19 @@ void OsduAuthProvider::State::keep(const TokenGrant& grant)
 {
     accessToken = grant.accessToken;
     accessExpiry = grant.accessExpiry;
-    if (!grant.refreshToken.empty()) {
+    // Renewing with a token does not make it last longer: only a new one gets a new expiry, so
+    // a session kept for the next run is given up when the server would give it up.
+    if (bringsNewRefreshToken(grant)) {
         refreshToken = grant.refreshToken;
         refreshExpiry = grant.refreshExpiry.isValid()
                             ? grant.refreshExpiry
                             : QDateTime::currentDateTimeUtc().addSecs(AssumedRefreshLifetimeSeconds);
-    } else if (grant.refreshExpiry.isValid()) {
-        // A lifetime stated for the token that stays.
-        refreshExpiry = grant.refreshExpiry;
     }
-    // Otherwise the token that stays keeps what is known of its expiry: renewing with it does
-    // not make it last longer.
+}
+
+bool OsduAuthProvider::State::bringsNewRefreshToken(const TokenGrant& grant) const
+{
+    return !grant.refreshToken.empty() && grant.refreshToken != refreshToken;
 }
 
 void OsduAuthProvider::State::forget()
@@ -98,6 +101,11 @@ bool OsduAuthProvider::authorizeAsync(int timeoutMs)
     return true;
 }
 
+void OsduAuthProvider::cancelAuthorization()
+{
+    delete std::exchange(m_state->session, nullptr);
+}
+
 QString OsduAuthProvider::refreshToken() const
 {
     const std::lock_guard<std::mutex> lock(m_state->tokenMutex);
@@ -129,7 +137,7 @@ std::string OsduAuthProvider::accessToken()
             const TokenGrant grant = requestTokens(
                 AuthorizationSession::refreshRequest(*this, state.refreshToken, state.timeoutMs));
             if (grant.ok) {
-                const bool refreshChanged = !grant.refreshToken.empty() || grant.refreshExpiry.isValid();
+                const bool refreshChanged = state.bringsNewRefreshToken(grant);
                 state.keep(grant);
                 renewed = state.accessToken;
                 if (!refreshChanged)

@@ -45,6 +45,10 @@ public:
     void initialize(const OsduAuthProviderInitParams& params);
     // False when a sign-in is already under way or the provider has not been initialised.
     virtual bool authorizeAsync(int timeoutMs);
+    // Ends the sign-in under way, if any, before this returns: the listener closes, an exchange
+    // with the server is broken off, and neither userAuthorized() nor error() follows. Not from
+    // a slot that a signal of the sign-in itself called.
+    void cancelAuthorization();
 
     QString refreshToken() const;
     QDateTime refreshTokenExpiry() const;
@@ -63,11 +67,14 @@ Q_SIGNALS:
     void userAuthorized();
     void error(QString message, QString details, QUrl url);
     void info(QString message);
+    // No browser could be opened for the sign-in: the person may open url in one themselves;
+    // the sign-in waits for them as long as it would for the browser.
+    void browserNotOpened(QUrl url);
     // The session can no longer be renewed: only a new sign-in (authorizeAsync) brings one back.
     // May be emitted from the thread that asked for a token.
     void sessionEnded();
-    // A renewal brought a new refresh token or a new lifetime for it: whoever keeps the session
-    // for the next run keeps this one. May be emitted from the thread that asked for a token.
+    // A renewal brought a new refresh token: whoever keeps the session for the next run keeps
+    // this one. May be emitted from the thread that asked for a token.
     void refreshTokenRenewed();
 
 protected:

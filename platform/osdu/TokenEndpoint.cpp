@@ -37,6 +37,7 @@ TokenGrant requestTokens(const TokenRequest& request)
     session.setHeaders(std::move(headers));
     session.setBody(formEncoded(request.form));
     session.setTimeoutMs(request.timeoutMs);
+    session.setCancelFlag(request.cancelled);
     return readTokenAnswer(session.post());
 }
 

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 
+#include <atomic>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +21,7 @@ struct TokenRequest
     FieldList form;
     FieldList headers;
     long timeoutMs = 0;
+    const std::atomic<bool>* cancelled = nullptr; // see CurlSession::setCancelFlag
 };
 
 QByteArray percentEncoded(const std::string& text);

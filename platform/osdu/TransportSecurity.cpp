@@ -17,7 +17,11 @@ bool usesSafeTransport(const std::string& url)
         return true;
     if (scheme != QLatin1String("http"))
         return false;
-    const QString host = parsed.host();
+    return isLoopbackHost(parsed.host());
+}
+
+bool isLoopbackHost(const QString& host)
+{
     return host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0 || QHostAddress(host).isLoopback();
 }
 

@@ -2,6 +2,8 @@
 
 // Internal to the library: which URLs a sign-in or a platform request may use.
 
+#include <QString>
+
 #include <string>
 
 namespace osdu {
@@ -10,6 +12,9 @@ namespace osdu {
 // ::1, "localhost"), where nothing crosses a network. Decided from the text alone: no name is
 // looked up.
 bool usesSafeTransport(const std::string& url);
+
+// Whether host (a URL's host) is this machine's: "localhost" or a loopback address.
+bool isLoopbackHost(const QString& host);
 
 // The sentence that refuses url for the setting that holds it.
 std::string unsafeTransportMessage(const char* setting);

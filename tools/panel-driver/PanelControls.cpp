@@ -66,6 +66,16 @@ QPushButton* connectButton(const fast::OsduWidget& page)
     return page.findChild<QPushButton*>(fast::kOsduConnectButton);
 }
 
+QLineEdit* signInAddress(const fast::OsduWidget& page)
+{
+    return page.findChild<QLineEdit*>(fast::kOsduSignInAddress);
+}
+
+QPushButton* copyAddressButton(const fast::OsduWidget& page)
+{
+    return page.findChild<QPushButton*>(fast::kOsduCopyAddressButton);
+}
+
 fast::SearchInput* searchInput(const fast::OsduWidget& page)
 {
     return page.findChild<fast::SearchInput*>(fast::kOsduSearchInput);

@@ -38,6 +38,9 @@ QPushButton* actionButton(const fast::VdsWidget& page);
 // The OSDU page's controls and what it shows.
 QComboBox* providerChoice(const fast::OsduWidget& page);
 QPushButton* connectButton(const fast::OsduWidget& page);
+// The sign-in address shown when no browser could be opened, and its Copy button.
+QLineEdit* signInAddress(const fast::OsduWidget& page);
+QPushButton* copyAddressButton(const fast::OsduWidget& page);
 fast::SearchInput* searchInput(const fast::OsduWidget& page);
 QPushButton* searchButton(const fast::OsduWidget& page);
 QLabel* resultLine(const fast::OsduWidget& page);
