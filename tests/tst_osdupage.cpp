@@ -149,7 +149,7 @@ void OsduPageTest::searchFiltersByNameDescriptionAndId()
     fast::SearchInput* box = searchInput(*m_page);
     box->setText("volume 0003");
     QTest::keyClick(box, Qt::Key_Return);
-    QVERIFY(!box->isEnabled() && !searchButton(*m_page)->isEnabled());
+    QVERIFY(!box->isEnabled() && searchButton(*m_page)->text() == "Cancel");
     QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
     QTRY_VERIFY_WITH_TIMEOUT(box->isEnabled(), 30000);
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0003"});
@@ -211,9 +211,9 @@ void OsduPageTest::closingThePageDuringASearchDropsItsResults()
 
 void OsduPageTest::onlyTheFirstThousandHitsAreExamined()
 {
-    m_osdu->seedDatasets(1000);
+    m_osdu->seedDatasets(1200 - int(m_osdu->recordCount()));
     searchFor("");
-    QCOMPARE(resultLabel(*m_page), "1000 result(s) found");
+    QCOMPARE(resultLabel(*m_page), "1000 result(s) found (the first 1000 of 1200 datasets were searched)");
 }
 
 void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain_data()

@@ -12,6 +12,7 @@
 class QComboBox;
 class QLabel;
 class QPushButton;
+class QTimer;
 
 namespace fast {
 
@@ -47,8 +48,11 @@ public:
     // user is told and Connect signs in again.
     void sessionEnded();
     // Search (the button or Return): one at a time; clears the tree, shows the wait cursor and
-    // hands the filter to the search box, whose results come back in onSearchDone().
+    // hands the filter to the search box, whose results come back in onSearchDone(). While a
+    // search runs the button reads Cancel, and pressing it cancels the search.
     void performSearch();
+    // The button while a search runs, or Escape: the search stops, and what it found shows.
+    void cancelSearch();
     // Shows the results with what FAST knows of each dataset, the result count, and gives the
     // cursor and the search back; tells an ended session now if it ended meanwhile.
     void onSearchDone(const std::shared_ptr<osdu::StorageRecordCollection>& results);
@@ -67,6 +71,9 @@ private:
     // The VDS FAST knows, empty (and reported) when the listing cannot be read.
     std::vector<VdsInfo> fastVolumes();
     void showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results);
+    void showProgress();
+    // The count of datasets found, and what the search could not do.
+    QString resultText(int count) const;
     // After a failed mount: unregisters what this mount registered, and shows the dataset
     // unregistered again.
     void forgetRegistration(const VdsModel& vdsModel, const std::string& vdsId);
@@ -77,6 +84,7 @@ private:
     QPushButton* m_searchButton = nullptr;
     QComboBox* m_providerChoice = nullptr;
     QPushButton* m_connectButton = nullptr;
+    QTimer* m_progressTimer = nullptr;
     std::shared_ptr<OsduFastInitializer> m_initializer;
     QString m_projectPath;
     // From the search's start to its results: the wait cursor is ours to restore.

@@ -21,6 +21,36 @@ std::size_t appendToString(char* data, std::size_t size, std::size_t count, void
     return size * count;
 }
 
+std::size_t keepRetryAfter(char* data, std::size_t size, std::size_t count, void* target)
+{
+    const std::string line(data, size * count);
+    const std::string name = "retry-after:";
+    if (line.size() > name.size()) {
+        std::string start = line.substr(0, name.size());
+        for (char& c : start)
+            c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+        if (start == name) {
+            const std::size_t first = line.find_first_not_of(" \t", name.size());
+            const std::size_t last = line.find_last_not_of(" \t\r\n");
+            *static_cast<std::string*>(target) = first == std::string::npos || last < first
+                                                     ? std::string()
+                                                     : line.substr(first, last - first + 1);
+        }
+    }
+    return size * count;
+}
+
+int askAbort(void* abort, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
+{
+    return (*static_cast<const std::function<bool()>*>(abort))() ? 1 : 0;
+}
+
+bool cutOff(CURLcode result)
+{
+    return result == CURLE_RECV_ERROR || result == CURLE_SEND_ERROR || result == CURLE_GOT_NOTHING
+           || result == CURLE_PARTIAL_FILE || result == CURLE_HTTP2 || result == CURLE_HTTP2_STREAM;
+}
+
 CURL* asCurl(void* handle)
 {
     return static_cast<CURL*>(handle);
@@ -61,6 +91,11 @@ void CurlSession::setTimeoutMs(long timeoutMs)
     m_timeoutMs = timeoutMs;
 }
 
+void CurlSession::setAbortCheck(std::function<bool()> abort)
+{
+    m_abort = std::move(abort);
+}
+
 CurlResponse CurlSession::get()
 {
     return perform("GET");
@@ -94,6 +129,11 @@ CurlResponse CurlSession::perform(const char* method)
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &response.text);
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headerList);
     curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, m_timeoutMs);
+    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &keepRetryAfter);
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, &response.retryAfter);
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, m_abort ? 0L : 1L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, m_abort ? &askAbort : nullptr);
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, m_abort ? &m_abort : nullptr);
     if (verb == "POST") {
         curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, nullptr);
         curl_easy_setopt(curl, CURLOPT_POST, 1L);
@@ -116,11 +156,14 @@ CurlResponse CurlSession::perform(const char* method)
         // Like a failed transfer in any HTTP client: no status, no partial body.
         response.statusCode = 0;
         response.text.clear();
+        response.retryAfter.clear();
+        response.connectionCut = cutOff(result);
         response.error = errorBuffer[0] != '\0' ? errorBuffer : curl_easy_strerror(result);
     }
 
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, nullptr);
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, nullptr);
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, nullptr);
     curl_slist_free_all(headerList);
     return response;
 }

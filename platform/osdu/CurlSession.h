@@ -2,6 +2,7 @@
 
 #include <osdu/osdu_export.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,6 +16,11 @@ struct CurlResponse
     int statusCode = 0;
     std::string text;
     std::string error;
+    // The answer's Retry-After header, as sent; empty when there was none.
+    std::string retryAfter;
+    // The connection broke under the transfer (reset, nothing or half an answer received), as
+    // against a service that cannot be reached at all.
+    bool connectionCut = false;
 };
 
 // The tree's one HTTP transport, a thin RAII layer over one libcurl easy handle. By default a
@@ -36,6 +42,9 @@ public:
     void setHeaders(std::vector<Header> headers);
     // 0 means no limit, the default.
     void setTimeoutMs(long timeoutMs);
+    // Asked about once a second during a transfer, and more often while data flows: true
+    // abandons the transfer, which then fails with status 0. Empty, the default, never does.
+    void setAbortCheck(std::function<bool()> abort);
 
     CurlResponse get();
     CurlResponse post();
@@ -49,6 +58,7 @@ private:
     std::string m_body;
     std::vector<Header> m_headers;
     long m_timeoutMs = 0;
+    std::function<bool()> m_abort;
 };
 
 } // namespace osdu

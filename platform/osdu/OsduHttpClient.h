@@ -13,10 +13,13 @@
 namespace osdu {
 
 class OsduAuthProvider;
+class RequestGovernor;
 
 // Talks JSON to one OSDU platform: bearer token from the provider, data-partition-id, TLS
 // always verified, proxies from the environment. Requests from several threads run at once,
-// each over a connection of its own that is kept alive for the next request.
+// each over a connection of its own that is kept alive for the next request. A request the
+// platform turns away for now (429, 502, 503, 504) or whose connection is cut is tried again,
+// up to four attempts, after the wait the platform asks for or a growing one.
 class OSDU_EXPORT OsduHttpClient : public QObject
 {
     Q_OBJECT
@@ -30,9 +33,15 @@ public:
     // transport failures and HTTP errors come back in the response (status 0 or the code).
     CurlResponse get(const std::string& path, const std::string& partition);
     CurlResponse post(const std::string& path, const std::string& jsonBody, const std::string& partition);
+    // Governs the requests from now on (their number in flight, their deadline, cancelling);
+    // null for none. Set it while no request is under way.
+    void setGovernor(std::shared_ptr<RequestGovernor> governor);
 
 private:
     CurlResponse send(bool post, const std::string& path, const std::string& body, const std::string& partition);
+    // One attempt, renewing a refused token once.
+    CurlResponse sendAuthorized(CurlSession& session, bool post, const std::string& path, const std::string& body,
+                                const std::string& partition, const std::shared_ptr<RequestGovernor>& governor);
     // A session no other request is using, with its connection kept alive when it has one.
     std::unique_ptr<CurlSession> takeSession();
     void giveBack(std::unique_ptr<CurlSession> session);
@@ -41,6 +50,7 @@ private:
     std::shared_ptr<OsduAuthProvider> m_auth;
     std::mutex m_mutex;
     std::vector<std::unique_ptr<CurlSession>> m_idleSessions;
+    std::shared_ptr<RequestGovernor> m_governor;
 };
 
 } // namespace osdu
