@@ -56,6 +56,8 @@ private Q_SLOTS:
     void platformTextsAreReadAsUtf8OnAnyMachine();
     void fetchesAtOnceTellWhatOneAtATimeTells();
     void closingThePageDuringASearchDropsItsResults();
+    void aSearchShowsItsProgressAndStopsOnCancelOrEscape_data();
+    void aSearchShowsItsProgressAndStopsOnCancelOrEscape();
     void anUnmountedDatasetShowsAsUnregisteredAgain_data();
     void anUnmountedDatasetShowsAsUnregisteredAgain();
     void theDatasetsComeBackWithFastAsFastNowKnowsThem();
@@ -207,6 +209,40 @@ void OsduPageTest::closingThePageDuringASearchDropsItsResults()
     // The search goes on without its page; its results must not reach it.
     QTRY_COMPARE_WITH_TIMEOUT(fast::SearchInput::runningSearches(), 0, 30000);
     m_osdu->clearFaults();
+}
+
+void OsduPageTest::aSearchShowsItsProgressAndStopsOnCancelOrEscape_data()
+{
+    QTest::addColumn<bool>("escape");
+    QTest::newRow("Cancel button") << false;
+    QTest::newRow("Escape") << true;
+}
+
+void OsduPageTest::aSearchShowsItsProgressAndStopsOnCancelOrEscape()
+{
+    QFETCH(bool, escape);
+    // One fetch at a time, and the third volume's is not answered for a minute: the search waits
+    // there, after the hits before it (the records come in id order, the volumes last).
+    m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", "1");
+    const QByteArray third = QUrl::toPercentEncoding(q(m_osdu->seededDatasetId(3)));
+    m_osdu->setDelay("/api/storage/v2/records/" + third.toStdString(), 60000);
+    const QString read = QString("%1 of %2").arg(m_osdu->recordCount() - 3).arg(m_osdu->recordCount());
+    QPushButton* button = searchButton(*m_page);
+    searchInput(*m_page)->setText("volume 000");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTRY_COMPARE(resultLabel(*m_page), "Reading datasets: " + read);
+    QVERIFY(button->isEnabled() && button->text() == "Cancel");
+    if (escape)
+        QTest::keyClick(button, Qt::Key_Escape); // the button has no use for it; the page has
+    else
+        QTest::mouseClick(button, Qt::LeftButton);
+    // The fetch in flight is abandoned, not waited for.
+    QTRY_COMPARE_WITH_TIMEOUT(button->text(), "Search", 2000);
+    m_osdu->clearFaults();
+    m_fast->settings().remove("AWS", "OSDU_FETCH_CONCURRENCY");
+    QCOMPARE(resultNames(*m_page), QStringList({"Volume 0001", "Volume 0002"}));
+    QCOMPARE(resultLabel(*m_page), "2 result(s) found (search cancelled after " + read + " datasets)");
+    QVERIFY(searchInput(*m_page)->isEnabled() && !QApplication::overrideCursor());
 }
 
 void OsduPageTest::onlyTheFirstThousandHitsAreExamined()

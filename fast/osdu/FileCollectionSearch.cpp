@@ -102,9 +102,11 @@ public:
         const auto work = [&] {
             for (std::size_t i = nextHit++; i < hits.size(); i = nextHit++) {
                 // Cancelled: the hits not yet fetched are left alone, and their turn passes.
-                outcomes.publish(i,
-                                 governor->cancelled() ? HitOutcome() : fetch(hits[i], partition, filter, *governor));
-                countRead(run);
+                HitOutcome outcome = governor->cancelled() ? HitOutcome()
+                                                           : fetch(hits[i], partition, filter, *governor);
+                if (!outcome.abandoned)
+                    countRead(run);
+                outcomes.publish(i, std::move(outcome));
             }
         };
         std::vector<std::thread> threads;
@@ -135,6 +137,8 @@ private:
         osdu::StorageRecordCollection matches;
         bool unread = false;
         std::string reason;
+        // Not fetched, or not to the end: the search was cancelled.
+        bool abandoned = true;
     };
 
     // The outcomes by hit, and the log lines sent in hit order as soon as they can be.
@@ -165,6 +169,7 @@ private:
                      const osdu::RequestGovernor& governor) const
     {
         HitOutcome outcome;
+        outcome.abandoned = false;
         outcome.lines
             << QString("About to query the record with id=%1 in partition=%2").arg(text(hit.id), text(partition));
         try {
@@ -175,7 +180,8 @@ private:
             }
         } catch (const std::exception& failure) {
             // Abandoned by a cancel: not unread, only not read yet.
-            if (governor.cancelled())
+            outcome.abandoned = governor.cancelled();
+            if (outcome.abandoned)
                 return outcome;
             outcome.lines << QString("FAST FileCollectionSearch performSearch exception %1").arg(SearchSite)
                           << failureLine(hit.id, partition, failure);

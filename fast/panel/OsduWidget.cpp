@@ -27,10 +27,10 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QShortcut>
 #include <QTimer>
 
 namespace fast {
@@ -108,8 +108,6 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     connectTreeView();
     connect(m_connectButton, &QPushButton::clicked, this, &OsduWidget::onConnect);
     connect(m_searchButton, &QPushButton::clicked, this, &OsduWidget::performSearch);
-    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
-    connect(escape, &QShortcut::activated, this, &OsduWidget::cancelSearch);
     // Often enough to see it move, seldom enough not to keep the host's GUI thread busy.
     m_progressTimer = new QTimer(this);
     m_progressTimer->setInterval(100);
@@ -251,6 +249,16 @@ void OsduWidget::cancelSearch()
 {
     if (m_searching)
         m_searchInput->cancel();
+}
+
+void OsduWidget::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape && m_searching) {
+        cancelSearch();
+        event->accept();
+        return;
+    }
+    FastWidget::keyPressEvent(event);
 }
 
 void OsduWidget::showProgress()

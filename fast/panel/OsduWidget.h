@@ -65,6 +65,10 @@ public:
 Q_SIGNALS:
     void enableUI();
 
+protected:
+    // Escape cancels the search under way; otherwise it goes on to the host as before.
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void enableSearch();
     void tellSessionEnded();
