@@ -36,6 +36,9 @@ constexpr int kHitLimit = 1000;
 constexpr std::size_t kDefaultFetches = 16;
 // More would only queue at the platform; it also bounds the threads a setting can ask for.
 constexpr int kMostFetchesAtOnce = 64;
+// Over HTTP/2: the streams a server commonly allows on one connection; libcurl keeps to fewer
+// when the server says so.
+constexpr std::size_t kMostStreams = 64;
 // The whole search, retries included: past it, what is still unread is reported as such.
 constexpr std::chrono::minutes kSearchBudget{3};
 
@@ -95,7 +98,11 @@ public:
         const std::vector<osdu::SearchHit>& hits = page.hits;
         setHits(run, hits.size(), page.totalCount);
         HitOutcomes outcomes(hits.size());
-        const std::size_t workers = std::min(hits.size(), fetchConcurrency(settingsGroup));
+        // Over HTTP/2 the fetches are streams of one connection, not connections of their own:
+        // many more can be in flight than the setting allows connections.
+        const std::size_t most = m_client->multiplexing() ? kMostStreams : fetchConcurrency(settingsGroup);
+        governor->setMostInFlight(static_cast<int>(most));
+        const std::size_t workers = std::min(hits.size(), most);
         // One fetch per hit, several in flight at once; what each hit tells the log goes out in
         // hit order all the same, as the outcomes before it are known.
         std::atomic<std::size_t> nextHit{0};

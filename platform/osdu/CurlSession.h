@@ -3,11 +3,14 @@
 #include <osdu/osdu_export.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace osdu {
+
+class CurlMultiplexer;
 
 // What one transfer gave: the HTTP status (0 when the transfer failed), the body, and the
 // transport's own words when it failed.
@@ -21,6 +24,8 @@ struct CurlResponse
     // The connection broke under the transfer (reset, nothing or half an answer received), as
     // against a service that cannot be reached at all.
     bool connectionCut = false;
+    // The answer came over HTTP/2 or later, on a connection that carries many requests at once.
+    bool multiplexed = false;
 };
 
 // The tree's one HTTP transport, a thin RAII layer over one libcurl easy handle. By default a
@@ -45,6 +50,8 @@ public:
     // Asked about once a second during a transfer, and more often while data flows: true
     // abandons the transfer, which then fails with status 0. Empty, the default, never does.
     void setAbortCheck(std::function<bool()> abort);
+    // The library's own: transfers go through the multiplexer, on connections it shares.
+    void setMultiplexer(std::shared_ptr<CurlMultiplexer> multiplexer);
 
     CurlResponse get();
     CurlResponse post();
@@ -59,6 +66,7 @@ private:
     std::vector<Header> m_headers;
     long m_timeoutMs = 0;
     std::function<bool()> m_abort;
+    std::shared_ptr<CurlMultiplexer> m_multiplexer;
 };
 
 } // namespace osdu

@@ -3,6 +3,7 @@
 #include <osdu/OsduAuthProvider.h>
 #include <osdu/RequestGovernor.h>
 
+#include "CurlMultiplexer_p.h"
 #include "TransportSecurity_p.h"
 
 #include <curl/curl.h>
@@ -68,6 +69,10 @@ OsduHttpClient::OsduHttpClient(const std::string& baseUrl, std::shared_ptr<OsduA
         throw std::invalid_argument("An OSDU client needs an authorization provider");
     while (!m_baseUrl.empty() && m_baseUrl.back() == '/')
         m_baseUrl.pop_back();
+    // HTTP/2 is negotiated over TLS only. Plain HTTP (this machine's loopback) keeps a
+    // connection per thread, which costs less than handing each transfer to another thread.
+    if (m_baseUrl.compare(0, 8, "https://") == 0)
+        m_multiplexer = std::make_shared<CurlMultiplexer>();
 }
 
 OsduHttpClient::~OsduHttpClient() = default;
@@ -163,6 +168,8 @@ CurlResponse OsduHttpClient::sendAuthorized(CurlSession& session, bool post, con
         session.setBody(body);
         session.setTimeoutMs(timeoutMs);
         response = post ? session.post() : session.get();
+        if (response.statusCode != 0)
+            m_multiplexing = response.multiplexed;
         if (response.statusCode != 401)
             return response;
         if (attempt == 0)
@@ -183,7 +190,9 @@ std::unique_ptr<CurlSession> OsduHttpClient::takeSession()
             return session;
         }
     }
-    return std::make_unique<CurlSession>();
+    auto session = std::make_unique<CurlSession>();
+    session->setMultiplexer(m_multiplexer);
+    return session;
 }
 
 void OsduHttpClient::giveBack(std::unique_ptr<CurlSession> session)
