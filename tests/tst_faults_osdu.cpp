@@ -15,6 +15,8 @@
 #include "TestBrowser.h"
 #include "UntrustedTlsServer.h"
 
+#include <Http2Front.h>
+
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/OsduWidget.h>
@@ -122,6 +124,7 @@ void FaultsOsduTest::cleanup()
     m_fast->settings().remove("FAST", "OSDU_AUTHENTICATION_TIMEOUT");
     m_fast->settings().remove("AWS", "OSDU_FETCH_CONCURRENCY");
     m_fast->settings().set("AWS", "OSDU_BASE_URL", q(m_osdu->baseUrl()));
+    qunsetenv("CURL_CA_BUNDLE");
     m_page.reset();
 }
 
@@ -167,6 +170,7 @@ void FaultsOsduTest::faults_data()
     row("throttled until an HTTP date", "signed in", "busy search", "429 first 1 date", all, "in [12]000 ms");
     row("bad gateway three times", "signed in", "busy search", "502 first 3", all, "answered 502");
     row("connection reset three times", "signed in", "busy search", "0 first 3", all, "cut off");
+    row("bad gateway three times, over HTTP/2", "signed in", "busy search", "502 first 3 http2", all, "answered 502");
     row("unavailable throughout: four attempts", "signed in", "busy search", "503 every 1",
         "No result\nSearch failed with status 503: Service Unavailable (injected)", "answered 503");
 }
@@ -236,6 +240,13 @@ void FaultsOsduTest::faults()
                                         .toStdString();
         // One request at a time: which ones the platform turns away is then known.
         m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", "1");
+        emulator::Http2Front front(m_osdu->port());
+        if (fault.endsWith("http2")) {
+            QVERIFY2(front.start(), front.failure().c_str());
+            qputenv("CURL_CA_BUNDLE", QByteArray::fromStdString(front.certificateFile()));
+            m_fast->settings().set("AWS", "OSDU_BASE_URL", q(front.baseUrl()));
+            searchInput(*m_page)->initialize(); // as the page does after each sign-in
+        }
         m_osdu->setThrottling(throttling);
         QVERIFY(search(*m_page));
         QCOMPARE(resultLabel(*m_page), said);
