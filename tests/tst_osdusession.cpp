@@ -96,7 +96,7 @@ void OsduSessionTest::anEndedSessionIsToldAndConnectSignsInAgain()
     osdu->setRefreshTokenOnlyWithConsent(true);
     QVERIFY(connectAndSearch(page, *provider));
     QTRY_VERIFY(boxes.summaries().value(0).startsWith("OSDU session ended: ")); // its text: tst_faults_osdu
-    QCOMPARE(resultLabel(page), "No result");
+    QCOMPARE(resultLabel(page), "No result\nNot signed in to the OSDU platform"); // told why
     QVERIFY(connectButton(page)->isEnabled());
 
     osdu->setRefreshTokenOnlyWithConsent(false);
