@@ -156,9 +156,11 @@ CurlResponse CurlSession::perform(const char* method)
         curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
     }
 
-    // The curl tool's convention, for a bundle of certificate authorities of one's own (a
-    // test's, a company's); the system's folder of authorities still counts. It belongs with
-    // the connection route once there is one. libcurl copies the text.
+    // The connection route (proxy, certificate authorities) goes here, in one call: every
+    // transfer, on its own handle or multiplexed with others, is configured by this function.
+    // Until then, the curl tool's convention names a bundle of certificate authorities of one's
+    // own (a test's, a company's); the system's folder of authorities still counts. libcurl
+    // copies the text.
     const QByteArray authorities = qgetenv("CURL_CA_BUNDLE");
     if (!authorities.isEmpty())
         curl_easy_setopt(curl, CURLOPT_CAINFO, authorities.constData());
