@@ -152,7 +152,7 @@ void OsduPageTest::searchFiltersByNameDescriptionAndId()
     box->setText("volume 0003");
     QTest::keyClick(box, Qt::Key_Return);
     QVERIFY(!box->isEnabled() && searchButton(*m_page)->text() == "Cancel");
-    QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    QCOMPARE(QApplication::overrideCursor()->shape(), Qt::BusyCursor);
     QTRY_VERIFY_WITH_TIMEOUT(box->isEnabled(), 30000);
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0003"});
     QCOMPARE(resultLabel(*m_page), "1 result(s) found");

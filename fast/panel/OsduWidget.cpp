@@ -234,7 +234,8 @@ void OsduWidget::performSearch()
         return;
     }
     m_searching = true;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
+    // Busy, not waiting: Cancel and the rest of the host still answer.
+    QApplication::setOverrideCursor(Qt::BusyCursor);
     m_searchInput->setEnabled(false);
     m_searchButton->setText(tr("Cancel"));
     m_osduTree->clear();

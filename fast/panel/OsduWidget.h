@@ -47,7 +47,7 @@ public:
     // The platform session can no longer be renewed: once any search under way has ended, the
     // user is told and Connect signs in again.
     void sessionEnded();
-    // Search (the button or Return): one at a time; clears the tree, shows the wait cursor and
+    // Search (the button or Return): one at a time; clears the tree, shows the busy cursor and
     // hands the filter to the search box, whose results come back in onSearchDone(). While a
     // search runs the button reads Cancel, and pressing it cancels the search.
     void performSearch();
@@ -91,7 +91,7 @@ private:
     QTimer* m_progressTimer = nullptr;
     std::shared_ptr<OsduFastInitializer> m_initializer;
     QString m_projectPath;
-    // From the search's start to its results: the wait cursor is ours to restore.
+    // From the search's start to its results: the busy cursor is ours to restore.
     bool m_searching = false;
     // The session ended during the search under way; told when it is over.
     bool m_sessionEnded = false;
