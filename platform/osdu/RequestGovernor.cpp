@@ -20,8 +20,7 @@ void RequestGovernor::cancel()
 
 bool RequestGovernor::cancelled() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_cancelled;
+    return m_cancelled.load();
 }
 
 void RequestGovernor::setMostInFlight(int mostInFlight)
@@ -73,7 +72,7 @@ bool RequestGovernor::pause(std::chrono::milliseconds delay)
     if (until > m_deadline)
         return false;
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_changed.wait_until(lock, until, [this] { return m_cancelled; });
+    m_changed.wait_until(lock, until, [this] { return m_cancelled.load(); });
     return !m_cancelled;
 }
 

@@ -2,6 +2,7 @@
 
 #include <osdu/osdu_export.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -63,7 +64,8 @@ private:
     int m_inFlight = 0;
     std::uint64_t m_nextTicket = 1;
     std::uint64_t m_lastCutAt = 0;
-    bool m_cancelled = false;
+    // Read by every transfer's progress check, many times a second: no lock for it.
+    std::atomic<bool> m_cancelled{false};
 };
 
 } // namespace osdu
