@@ -31,11 +31,12 @@ bool RatioReporter::printRatios() const
     for (const Ratio& ratio : m_ratios) {
         const auto measured = m_secondsPerIteration.find(ratio.measured);
         const auto baseline = m_secondsPerIteration.find(ratio.baseline);
-        if (measured == m_secondsPerIteration.end() || baseline == m_secondsPerIteration.end()) {
+        const bool absolute = ratio.baseline.empty();
+        if (measured == m_secondsPerIteration.end() || (!absolute && baseline == m_secondsPerIteration.end())) {
             std::printf("%-52s %8s %8.2f  not run\n", ratio.label.c_str(), "-", ratio.goal);
             continue;
         }
-        const double value = measured->second / baseline->second;
+        const double value = absolute ? measured->second : measured->second / baseline->second;
         const bool met = value <= ratio.goal;
         allMet = allMet && met;
         addToBenchSummary(ratio.label, value, ratio.goal);

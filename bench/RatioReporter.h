@@ -15,7 +15,7 @@ public:
     {
         std::string label;
         std::string measured; // benchmark name
-        std::string baseline; // benchmark name
+        std::string baseline; // benchmark name; empty: the goal is in seconds per iteration
         double goal;
     };
 

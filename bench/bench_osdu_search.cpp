@@ -4,6 +4,7 @@
 #include "BenchSettings.h"
 #include "RatioReporter.h"
 
+#include <Http2Front.h>
 #include <OsduEmulator.h>
 
 #include <fast/osdu/FileCollectionSearch.h>
@@ -80,6 +81,12 @@ struct Platform
             qFatal("the benchmark could not sign in to the OSDU emulator");
         client = std::make_shared<osdu::OsduHttpClient>(emulator->baseUrl(), provider, nullptr);
         search = fast::createFileCollectionSearch(client);
+        front = std::make_unique<emulator::Http2Front>(emulator->port());
+        if (!front->start())
+            qFatal("the benchmark could not put an HTTP/2 front before the emulator: %s", front->failure().c_str());
+        qputenv("CURL_CA_BUNDLE", QByteArray::fromStdString(front->certificateFile()));
+        http2Search = fast::createFileCollectionSearch(
+            std::make_shared<osdu::OsduHttpClient>(front->baseUrl(), provider, nullptr));
         token = provider->accessToken();
         auth = provider;
     }
@@ -88,6 +95,8 @@ struct Platform
     std::shared_ptr<osdu::OsduAuthProvider> auth;
     std::shared_ptr<osdu::OsduHttpClient> client;
     std::shared_ptr<fast::FileCollectionSearch> search;
+    std::unique_ptr<emulator::Http2Front> front;
+    std::shared_ptr<fast::FileCollectionSearch> http2Search;
     std::string token;
 };
 
@@ -111,25 +120,49 @@ void fileCollectionSearch(benchmark::State& state)
 
 // With 20 ms added to every request, as to a platform in another region: the search as it runs,
 // against the same search fetching one record at a time.
-void searchWithLatency(benchmark::State& state, const char* concurrency)
+void searchWithLatency(benchmark::State& state, const char* concurrency, int throttleEvery = 0, bool http2 = false)
 {
     Platform& p = platform();
     QSettings().setValue("AWS/OSDU_FETCH_CONCURRENCY", concurrency);
     p.emulator->setLatency(20);
+    emulator::Throttling throttling;
+    throttling.every = throttleEvery;
+    p.emulator->setThrottling(throttling);
     std::size_t found = 0;
     for (auto _ : state)
-        p.search->performSearch("AWS", "", [&found](const std::shared_ptr<osdu::StorageRecordCollection>& results) {
-            found = results->size();
-        });
+        (http2 ? p.http2Search : p.search)
+            ->performSearch("AWS", "", [&found](const std::shared_ptr<osdu::StorageRecordCollection>& results) {
+                found = results->size();
+            });
     p.emulator->setLatency(0);
+    p.emulator->clearFaults();
     QSettings().remove("AWS/OSDU_FETCH_CONCURRENCY");
-    if (found != kDatasets)
+    // A busy platform may keep a few datasets from being read within four attempts each; the
+    // search reports them, and so does this.
+    state.counters["unread"] = static_cast<double>(kDatasets - found);
+    if (found != kDatasets && throttleEvery == 0)
         state.SkipWithError("the search did not find every dataset");
 }
 
 void distantSearch(benchmark::State& state)
 {
     searchWithLatency(state, "16");
+}
+
+// The same platform answering every third request 429 with Retry-After: 0.
+void distantBusySearch(benchmark::State& state)
+{
+    searchWithLatency(state, "16", 3);
+}
+
+void distantSearchHttp2(benchmark::State& state)
+{
+    searchWithLatency(state, "16", 0, true);
+}
+
+void distantBusySearchHttp2(benchmark::State& state)
+{
+    searchWithLatency(state, "16", 3, true);
 }
 
 void distantSearchOneAtATime(benchmark::State& state)
@@ -175,6 +208,9 @@ void bareCurlFloor(benchmark::State& state)
 BENCHMARK(fileCollectionSearch)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(bareCurlFloor)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(distantSearch)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(distantBusySearch)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(distantSearchHttp2)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(distantBusySearchHttp2)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(distantSearchOneAtATime)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 int main(int argc, char** argv)
@@ -188,5 +224,9 @@ int main(int argc, char** argv)
                            "bareCurlFloor", 1.0},
                           // 1.5 s against about 20 s
                           {"search with 20 ms latency / one fetch at a time", "distantSearch",
-                           "distantSearchOneAtATime", 0.075}});
+                           "distantSearchOneAtATime", 0.075},
+                          {"search, 20 ms latency, HTTP/1.1 (s)", "distantSearch", "", 1.5},
+                          {"search, 20 ms, HTTP/1.1, every third 429 (s)", "distantBusySearch", "", 1.5},
+                          {"search, 20 ms latency, HTTP/2 (s)", "distantSearchHttp2", "", 0.5},
+                          {"search, 20 ms, HTTP/2, every third 429 (s)", "distantBusySearchHttp2", "", 1.5}});
 }

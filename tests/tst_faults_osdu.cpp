@@ -15,6 +15,8 @@
 #include "TestBrowser.h"
 #include "UntrustedTlsServer.h"
 
+#include <Http2Front.h>
+
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/SearchInput.h>
 #include <fast/panel/OsduWidget.h>
@@ -124,6 +126,7 @@ void FaultsOsduTest::cleanup()
     m_fast->settings().remove("FAST", "OSDU_AUTHENTICATION_TIMEOUT");
     m_fast->settings().remove("AWS", "OSDU_FETCH_CONCURRENCY");
     m_fast->settings().set("AWS", "OSDU_BASE_URL", q(m_osdu->baseUrl()));
+    qunsetenv("CURL_CA_BUNDLE");
     m_page.reset();
 }
 
@@ -166,6 +169,16 @@ void FaultsOsduTest::faults_data()
         "Unable to fetch record %1: status 401: The access token was rejected (injected)", ended);
     row("token and session revoked", "signed in", "search", "session revoked",
         "Unable to renew the OSDU access token: invalid_grant: The grant was revoked (injected)", ended);
+    // A busy platform (status, every k-th or first n data requests): what the page says, and
+    // the words of each retry's trace line.
+    const QString all = QString("%1 result(s) found").arg(kDatasets);
+    row("every third request throttled", "signed in", "busy search", "429 every 3", all, "answered 429, .* in 0 ms");
+    row("throttled until an HTTP date", "signed in", "busy search", "429 first 1 date", all, "in [12]000 ms");
+    row("bad gateway three times", "signed in", "busy search", "502 first 3", all, "answered 502");
+    row("connection reset three times", "signed in", "busy search", "0 first 3", all, "cut off");
+    row("bad gateway three times, over HTTP/2", "signed in", "busy search", "502 first 3 http2", all, "answered 502");
+    row("unavailable throughout: four attempts", "signed in", "busy search", "503 every 1",
+        "No result\nSearch failed with status 503: Service Unavailable (injected)", "answered 503");
 }
 
 void FaultsOsduTest::faults()
@@ -252,6 +265,33 @@ void FaultsOsduTest::faults()
         const QDateTime expiry = QSettings().value("AWS/OSDU_REFRESH_TOKEN_EXPIRY").toDateTime();
         QVERIFY(qAbs(QDateTime::currentDateTime().secsTo(expiry) - qint64(30) * 24 * 3600) < 60);
         QVERIFY(!acceptsConnections(QHostAddress::LocalHost, m_browser.callbackPort()));
+    } else if (action == "busy search") {
+        const QStringList knobs = fault.split(' ');
+        emulator::Throttling throttling;
+        throttling.status = knobs[0].toInt();
+        (knobs[1] == "every" ? throttling.every : throttling.first) = knobs[2].toInt();
+        if (fault.endsWith("date"))
+            throttling.retryAfter = QLocale::c()
+                                        .toString(QDateTime::currentDateTimeUtc().addSecs(2),
+                                                  "ddd, dd MMM yyyy hh:mm:ss")
+                                        .append(" GMT")
+                                        .toStdString();
+        // One request at a time: which ones the platform turns away is then known.
+        m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", "1");
+        emulator::Http2Front front(m_osdu->port());
+        if (fault.endsWith("http2")) {
+            QVERIFY2(front.start(), front.failure().c_str());
+            qputenv("CURL_CA_BUNDLE", QByteArray::fromStdString(front.certificateFile()));
+            m_fast->settings().set("AWS", "OSDU_BASE_URL", q(front.baseUrl()));
+            searchInput(*m_page)->initialize(); // as the page does after each sign-in
+        }
+        m_osdu->setThrottling(throttling);
+        QVERIFY(search(*m_page));
+        QCOMPARE(resultLabel(*m_page), said);
+        const QStringList retries = bus.texts(Trace).filter(QRegularExpression("^OSDU request "));
+        // Each answer turned away is tried again, but for the fourth attempt's.
+        QCOMPARE(retries.size(), m_osdu->throttledRequests() - (said.startsWith("No") ? 1 : 0));
+        QVERIFY2(retries.filter(QRegularExpression(later)).size() == retries.size(), qPrintable(retries.join('\n')));
     } else if (fault == "untrusted") {
         UntrustedTlsServer tls;
         QVERIFY2(tls.start(), qPrintable(tls.failure()));
@@ -260,7 +300,7 @@ void FaultsOsduTest::faults()
             m_fast->settings().set("AWS", "OSDU_BASE_URL", tls.url());
             searchInput(*m_page)->initialize(); // as the page does after each sign-in
             QVERIFY(search(*m_page));
-            QCOMPARE(resultLabel(*m_page), "No result");
+            QCOMPARE(resultLabel(*m_page).section('\n', 0, 0), "No result");
             QVERIFY(!QApplication::overrideCursor());
             told = bus.texts(Trace).filter("Unable to query the record").join('\n');
         } else {
@@ -292,7 +332,11 @@ void FaultsOsduTest::faults()
         QVERIFY(search(*m_page));
         m_osdu->clearFaults();
 
-        QCOMPARE(resultLabel(*m_page), QString("%1 result(s) found").arg(kFetched));
+        // The datasets not read are told, each reason once.
+        QCOMPARE(resultLabel(*m_page), QString("%1 result(s) found\n%2 dataset(s) could not be read: %3; %4")
+                                           .arg(kFetched)
+                                           .arg(kDatasets - kFetched)
+                                           .arg(QString(said).remove("Unable to fetch record %1: "), later));
         QCOMPARE(resultNames(*m_page), QStringList({"Volume 0001", "Volume 0002", "Volume 0003"}));
         QStringList expected;
         for (int number = kFetched + 1; number <= kDatasets; ++number) {

@@ -425,11 +425,12 @@ void OsduClientTest::requestsTakeTheSystemsProxyButLoopbackStaysDirect()
     osdu::OsduHttpClient elsewhere("https://platform.invalid", platform.provider);
     QCOMPARE(elsewhere.get("/api/storage/v2/records/x", "opendes").statusCode, 0);
     QVERIFY(log().contains("opening connection to platform.invalid:443"));
+    const int proxied = log().count("Request ("); // the proxy's failure is retried as a bad gateway
     // Under a name the sign-in did not use, whose route is not known yet.
     const std::string loopback = "http://localhost:" + std::to_string(platform.server.port());
     const auto client = std::make_shared<osdu::OsduHttpClient>(loopback, platform.provider);
     QCOMPARE(osdu::createSearch(client)->query({"osdu:wks:*:*", 1000, 0, {}}, "opendes").size(), std::size_t(3));
-    QCOMPARE(log().count("Request ("), 1);
+    QCOMPARE(log().count("Request ("), proxied);
 }
 
 QTEST_MAIN(OsduClientTest)

@@ -56,6 +56,8 @@ private Q_SLOTS:
     void platformTextsAreReadAsUtf8OnAnyMachine();
     void fetchesAtOnceTellWhatOneAtATimeTells();
     void closingThePageDuringASearchDropsItsResults();
+    void aSearchShowsItsProgressAndStopsOnCancelOrEscape_data();
+    void aSearchShowsItsProgressAndStopsOnCancelOrEscape();
     void anUnmountedDatasetShowsAsUnregisteredAgain_data();
     void anUnmountedDatasetShowsAsUnregisteredAgain();
     void theDatasetsComeBackWithFastAsFastNowKnowsThem();
@@ -150,8 +152,8 @@ void OsduPageTest::searchFiltersByNameDescriptionAndId()
     fast::SearchInput* box = searchInput(*m_page);
     box->setText("volume 0003");
     QTest::keyClick(box, Qt::Key_Return);
-    QVERIFY(!box->isEnabled() && !searchButton(*m_page)->isEnabled());
-    QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    QVERIFY(!box->isEnabled() && searchButton(*m_page)->text() == "Cancel");
+    QCOMPARE(QApplication::overrideCursor()->shape(), Qt::BusyCursor);
     QTRY_VERIFY_WITH_TIMEOUT(box->isEnabled(), 30000);
     QCOMPARE(resultNames(*m_page), QStringList{"Volume 0003"});
     QCOMPARE(resultLabel(*m_page), "1 result(s) found");
@@ -210,11 +212,45 @@ void OsduPageTest::closingThePageDuringASearchDropsItsResults()
     m_osdu->clearFaults();
 }
 
+void OsduPageTest::aSearchShowsItsProgressAndStopsOnCancelOrEscape_data()
+{
+    QTest::addColumn<bool>("escape");
+    QTest::newRow("Cancel button") << false;
+    QTest::newRow("Escape") << true;
+}
+
+void OsduPageTest::aSearchShowsItsProgressAndStopsOnCancelOrEscape()
+{
+    QFETCH(bool, escape);
+    // One fetch at a time, and the third volume's is not answered for a minute: the search waits
+    // there, after the hits before it (the records come in id order, the volumes last).
+    m_fast->settings().set("AWS", "OSDU_FETCH_CONCURRENCY", "1");
+    const QByteArray third = QUrl::toPercentEncoding(q(m_osdu->seededDatasetId(3)));
+    m_osdu->setDelay("/api/storage/v2/records/" + third.toStdString(), 60000);
+    const QString read = QString("%1 of %2").arg(m_osdu->recordCount() - 3).arg(m_osdu->recordCount());
+    QPushButton* button = searchButton(*m_page);
+    searchInput(*m_page)->setText("volume 000");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTRY_COMPARE(resultLabel(*m_page), "Reading datasets: " + read);
+    QVERIFY(button->isEnabled() && button->text() == "Cancel");
+    if (escape)
+        QTest::keyClick(button, Qt::Key_Escape); // the button has no use for it; the page has
+    else
+        QTest::mouseClick(button, Qt::LeftButton);
+    // The fetch in flight is abandoned, not waited for.
+    QTRY_COMPARE_WITH_TIMEOUT(button->text(), "Search", 2000);
+    m_osdu->clearFaults();
+    m_fast->settings().remove("AWS", "OSDU_FETCH_CONCURRENCY");
+    QCOMPARE(resultNames(*m_page), QStringList({"Volume 0001", "Volume 0002"}));
+    QCOMPARE(resultLabel(*m_page), "2 result(s) found (search cancelled after " + read + " datasets)");
+    QVERIFY(searchInput(*m_page)->isEnabled() && !QApplication::overrideCursor());
+}
+
 void OsduPageTest::onlyTheFirstThousandHitsAreExamined()
 {
-    m_osdu->seedDatasets(1000);
+    m_osdu->seedDatasets(1200 - int(m_osdu->recordCount()));
     searchFor("");
-    QCOMPARE(resultLabel(*m_page), "1000 result(s) found");
+    QCOMPARE(resultLabel(*m_page), "1000 result(s) found (the first 1000 of 1200 datasets were searched)");
 }
 
 void OsduPageTest::anUnmountedDatasetShowsAsUnregisteredAgain_data()

@@ -95,8 +95,8 @@ void OsduSessionTest::anEndedSessionIsToldAndConnectSignsInAgain()
     // its access token cannot be renewed. (A renewal refused or turned away: tst_faults_osdu.)
     osdu->setRefreshTokenOnlyWithConsent(true);
     QVERIFY(connectAndSearch(page, *provider));
-    QTRY_VERIFY(boxes.summaries().value(0).startsWith("OSDU session ended: ")); // its text: tst_faults_osdu
-    QCOMPARE(resultLabel(page), "No result");
+    QTRY_VERIFY(boxes.summaries().value(0).startsWith("OSDU session ended: "));   // its text: tst_faults_osdu
+    QCOMPARE(resultLabel(page), "No result\nNot signed in to the OSDU platform"); // told why
     QVERIFY(connectButton(page)->isEnabled());
 
     osdu->setRefreshTokenOnlyWithConsent(false);

@@ -5,6 +5,8 @@
 #include <fast/panel/PanelMessages_p.h>
 
 #include <osdu/FileCollection.h>
+#include <osdu/OsduHttpClient.h>
+#include <osdu/RequestGovernor.h>
 #include <osdu/Search.h>
 #include <osdu/Settings.h>
 #include <osdu/Storage.h>
@@ -34,6 +36,11 @@ constexpr int kHitLimit = 1000;
 constexpr std::size_t kDefaultFetches = 16;
 // More would only queue at the platform; it also bounds the threads a setting can ask for.
 constexpr int kMostFetchesAtOnce = 64;
+// Over HTTP/2: the streams a server commonly allows on one connection; libcurl keeps to fewer
+// when the server says so.
+constexpr std::size_t kMostStreams = 64;
+// The whole search, retries included: past it, what is still unread is reported as such.
+constexpr std::chrono::minutes kSearchBudget{3};
 
 bool matches(const osdu::FileCollection& record, const std::string& filter)
 {
@@ -60,26 +67,54 @@ public:
 
     void performSearch(const std::string& settingsGroup, const std::string& filter, ResultsCallback onResults) override
     {
+        SearchRun run;
+        performSearch(settingsGroup, filter, std::move(onResults), run);
+    }
+
+    void performSearch(const std::string& settingsGroup, const std::string& filter, ResultsCallback onResults,
+                       SearchRun& run) override
+    {
         auto results = std::make_shared<osdu::StorageRecordCollection>();
         const std::string partition = osdu::getSettingValue(settingsGroup, OSDU_DATA_PARTITION_ID, "");
-        std::vector<osdu::SearchHit> hits;
+        const std::shared_ptr<osdu::RequestGovernor> governor = governorOf(run);
+        governor->setMostInFlight(static_cast<int>(fetchConcurrency(settingsGroup)));
+        governor->onRetry = [](const osdu::RetryNote& note) { trace(retryLine(note)); };
+        m_client->setGovernor(governor);
+        // The client outlives this search: the next one brings its own governor.
+        const std::shared_ptr<void> ungoverned(nullptr, [this](void*) { m_client->setGovernor(nullptr); });
+        std::vector<std::string> reasons;
+        osdu::SearchPage page;
         try {
             osdu::SearchQuery query;
             query.kind = kSearchedKind;
             query.limit = kHitLimit;
-            hits = m_search->query(query, partition);
+            page = m_search->queryPage(query, partition);
         } catch (const std::exception& failure) {
             trace(QString("FAST FileCollectionSearch performSearch exception %1").arg(SearchSite));
             trace(failureLine("", partition, failure));
+            if (!governor->cancelled())
+                reasons.emplace_back(failure.what());
         }
+        const std::vector<osdu::SearchHit>& hits = page.hits;
+        setHits(run, hits.size(), page.totalCount);
         HitOutcomes outcomes(hits.size());
-        const std::size_t workers = std::min(hits.size(), fetchConcurrency(settingsGroup));
+        // Over HTTP/2 the fetches are streams of one connection, not connections of their own:
+        // many more can be in flight than the setting allows connections.
+        const std::size_t most = m_client->multiplexing() ? kMostStreams : fetchConcurrency(settingsGroup);
+        governor->setMostInFlight(static_cast<int>(most));
+        const std::size_t workers = std::min(hits.size(), most);
         // One fetch per hit, several in flight at once; what each hit tells the log goes out in
         // hit order all the same, as the outcomes before it are known.
         std::atomic<std::size_t> nextHit{0};
         const auto work = [&] {
-            for (std::size_t i = nextHit++; i < hits.size(); i = nextHit++)
-                outcomes.publish(i, fetch(hits[i], partition, filter));
+            for (std::size_t i = nextHit++; i < hits.size(); i = nextHit++) {
+                // Cancelled: the hits not yet fetched are left alone, and their turn passes.
+                HitOutcome outcome = governor->cancelled() ? HitOutcome()
+                                                           : fetch(hits[i], partition, filter, *governor);
+                if (!outcome.abandoned)
+                    countRead(run);
+                outcomes.publish(i, std::move(outcome));
+            }
         };
         std::vector<std::thread> threads;
         threads.reserve(workers > 1 ? workers : 0);
@@ -89,8 +124,16 @@ public:
             work();
         for (std::thread& thread : threads)
             thread.join();
-        for (HitOutcome& outcome : outcomes.all())
+        std::size_t unread = 0;
+        for (HitOutcome& outcome : outcomes.all()) {
             results->insert(results->end(), outcome.matches.begin(), outcome.matches.end());
+            if (outcome.unread) {
+                ++unread;
+                if (std::find(reasons.begin(), reasons.end(), outcome.reason) == reasons.end())
+                    reasons.push_back(outcome.reason);
+            }
+        }
+        setUnread(run, unread, std::move(reasons));
         onResults(results);
     }
 
@@ -99,6 +142,10 @@ private:
     {
         QStringList lines;
         osdu::StorageRecordCollection matches;
+        bool unread = false;
+        std::string reason;
+        // Not fetched, or not to the end: the search was cancelled.
+        bool abandoned = true;
     };
 
     // The outcomes by hit, and the log lines sent in hit order as soon as they can be.
@@ -125,9 +172,11 @@ private:
         std::size_t m_nextToLog = 0;
     };
 
-    HitOutcome fetch(const osdu::SearchHit& hit, const std::string& partition, const std::string& filter) const
+    HitOutcome fetch(const osdu::SearchHit& hit, const std::string& partition, const std::string& filter,
+                     const osdu::RequestGovernor& governor) const
     {
         HitOutcome outcome;
+        outcome.abandoned = false;
         outcome.lines
             << QString("About to query the record with id=%1 in partition=%2").arg(text(hit.id), text(partition));
         try {
@@ -137,10 +186,37 @@ private:
                     outcome.matches.push_back(record);
             }
         } catch (const std::exception& failure) {
+            // Abandoned by a cancel: not unread, only not read yet.
+            outcome.abandoned = governor.cancelled();
+            if (outcome.abandoned)
+                return outcome;
             outcome.lines << QString("FAST FileCollectionSearch performSearch exception %1").arg(SearchSite)
                           << failureLine(hit.id, partition, failure);
+            outcome.unread = true;
+            outcome.reason = reasonOnly(hit.id, failure.what());
         }
         return outcome;
+    }
+
+    // The failure without the record it is about, so that one reason shared by many records is
+    // told once.
+    static std::string reasonOnly(const std::string& id, const std::string& failure)
+    {
+        const std::string about = "Unable to fetch record " + id;
+        if (failure.compare(0, about.size(), about) != 0)
+            return failure;
+        const std::size_t rest = failure.find_first_not_of(": ", about.size());
+        return rest == std::string::npos ? failure : failure.substr(rest);
+    }
+
+    static QString retryLine(const osdu::RetryNote& note)
+    {
+        const QString answer = note.status == 0 ? QString("cut off") : QString("answered %1").arg(note.status);
+        return QString("OSDU request %1 %2, attempt %3 of %4 follows in %5 ms")
+            .arg(text(note.path), answer)
+            .arg(note.attempt + 1)
+            .arg(note.attempts)
+            .arg(note.delayMs);
     }
 
     static std::size_t fetchConcurrency(const std::string& settingsGroup)
@@ -164,6 +240,34 @@ private:
 };
 
 } // namespace
+
+SearchRun::SearchRun() : m_governor(std::make_shared<osdu::RequestGovernor>(int(kDefaultFetches), kSearchBudget))
+{
+}
+
+SearchRun::~SearchRun() = default;
+
+void SearchRun::cancel()
+{
+    m_governor->cancel();
+}
+
+bool SearchRun::cancelled() const
+{
+    return m_governor->cancelled();
+}
+
+void FileCollectionSearch::setHits(SearchRun& run, std::size_t hits, long long totalCount)
+{
+    run.m_totalCount = totalCount;
+    run.m_hits = hits;
+}
+
+void FileCollectionSearch::setUnread(SearchRun& run, std::size_t unread, std::vector<std::string> reasons)
+{
+    run.m_unread = unread;
+    run.m_reasons = std::move(reasons);
+}
 
 std::shared_ptr<FileCollectionSearch> createFileCollectionSearch(std::shared_ptr<osdu::OsduHttpClient> client)
 {

@@ -31,7 +31,17 @@ SearchInput::SearchInput(QWidget* parent) : QLineEdit(parent)
     };
 }
 
-SearchInput::~SearchInput() = default;
+SearchInput::~SearchInput()
+{
+    // Nobody will look at the results: the thread need not keep the platform busy.
+    cancel();
+}
+
+void SearchInput::cancel()
+{
+    if (m_run)
+        m_run->cancel();
+}
 
 void SearchInput::initialize()
 {
@@ -48,6 +58,7 @@ void SearchInput::search()
 {
     const auto initializer = OsduFastInitializer::currentInstance();
     const std::shared_ptr<osdu::OsduAuthProvider> provider = initializer ? initializer->authProvider() : nullptr;
+    m_run = std::make_shared<SearchRun>();
     if (!provider || !m_search) {
         // Not signed in: nothing to search, but whoever waits for the answer still gets one.
         m_resultsCallback(std::make_shared<osdu::StorageRecordCollection>());
@@ -58,14 +69,13 @@ void SearchInput::search()
     // The worker only fills this; the box reads it once the thread has finished.
     auto found = std::make_shared<std::shared_ptr<osdu::StorageRecordCollection>>();
     ++searchThreads;
-    QThread* worker = QThread::create([search = m_search, provider, filter, found] {
+    QThread* worker = QThread::create([search = m_search, provider, filter, found, run = m_run] {
         // Counted down however the search ends.
         const std::shared_ptr<void> ended(nullptr, [](void*) { --searchThreads; });
         try {
-            search->performSearch(provider->getProviderName(), filter,
-                                  [found](std::shared_ptr<osdu::StorageRecordCollection> results) {
-                                      *found = std::move(results);
-                                  });
+            search->performSearch(
+                provider->getProviderName(), filter,
+                [found](std::shared_ptr<osdu::StorageRecordCollection> results) { *found = std::move(results); }, *run);
         } catch (const std::exception& failure) {
             // An exception leaving a thread ends the host's process.
             trace(QString("Unable to search the OSDU platform: %1").arg(exceptionText(failure)));

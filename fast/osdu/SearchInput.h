@@ -16,6 +16,7 @@ class OsduHttpClient;
 namespace fast {
 
 class FileCollectionSearch;
+class SearchRun;
 
 // The filter box of the OSDU page. It runs each search on a thread of its own and hands the
 // matches back through searchDone on its own thread, once the search has ended; a box deleted
@@ -32,6 +33,11 @@ public:
     // the page's to say: it runs the page's search, which also clears and disables.
     void initialize();
     void search();
+    // The search under way, or the last one once it has ended (its progress and what it could not
+    // do); null before the first.
+    std::shared_ptr<const SearchRun> lastSearch() const { return m_run; }
+    // Stops the search under way; its results, those found so far, still come through searchDone.
+    void cancel();
     // Room for the whole placeholder, which tells the user what the box does.
     QSize sizeHint() const override;
     // Searches of every box whose threads have not ended yet, closed boxes' included: a host
@@ -45,6 +51,7 @@ private:
     std::shared_ptr<osdu::OsduHttpClient> m_httpClient;
     std::shared_ptr<FileCollectionSearch> m_search;
     std::function<void(std::shared_ptr<osdu::StorageRecordCollection>)> m_resultsCallback;
+    std::shared_ptr<SearchRun> m_run;
 };
 
 } // namespace fast

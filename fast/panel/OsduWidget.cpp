@@ -4,6 +4,7 @@
 #include <fast/client/Utf8Text_p.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
+#include <fast/osdu/FileCollectionSearch.h>
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduTreeModel.h>
 #include <fast/osdu/SearchInput.h>
@@ -28,10 +29,12 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace fast {
@@ -139,6 +142,10 @@ OsduWidget::OsduWidget(const std::shared_ptr<Fast>& fast, const QString& project
     connectTreeView();
     connect(m_connectButton, &QPushButton::clicked, this, &OsduWidget::onConnect);
     connect(m_searchButton, &QPushButton::clicked, this, &OsduWidget::performSearch);
+    // Often enough to see it move, seldom enough not to keep the host's GUI thread busy.
+    m_progressTimer = new QTimer(this);
+    m_progressTimer->setInterval(100);
+    connect(m_progressTimer, &QTimer::timeout, this, &OsduWidget::showProgress);
     // Return does what the button does: one search at a time, over a cleared tree.
     connect(m_searchInput, &QLineEdit::returnPressed, this, &OsduWidget::performSearch);
     connect(m_searchInput, &SearchInput::searchDone, this, &OsduWidget::onSearchDone);
@@ -291,14 +298,75 @@ void OsduWidget::enableSearch()
 
 void OsduWidget::performSearch()
 {
-    if (m_searching)
+    if (m_searching) {
+        cancelSearch();
         return;
+    }
     m_searching = true;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
+    // Busy, not waiting: Cancel and the rest of the host still answer.
+    QApplication::setOverrideCursor(Qt::BusyCursor);
     m_searchInput->setEnabled(false);
-    m_searchButton->setEnabled(false);
+    m_searchButton->setText(tr("Cancel"));
     m_osduTree->clear();
     m_searchInput->search();
+    if (m_searching) {
+        showProgress();
+        m_progressTimer->start();
+    }
+}
+
+void OsduWidget::cancelSearch()
+{
+    if (m_searching)
+        m_searchInput->cancel();
+}
+
+void OsduWidget::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape && m_searching) {
+        cancelSearch();
+        event->accept();
+        return;
+    }
+    FastWidget::keyPressEvent(event);
+}
+
+void OsduWidget::showProgress()
+{
+    const std::shared_ptr<const SearchRun> run = m_searchInput->lastSearch();
+    if (run && run->hits() > 0)
+        m_resultLabel->setText(tr("Reading datasets: %1 of %2").arg(run->read()).arg(run->hits()));
+    else
+        m_resultLabel->setText(tr("Searching…"));
+}
+
+QString OsduWidget::resultText(int count) const
+{
+    const std::shared_ptr<const SearchRun> run = m_searchInput->lastSearch();
+    // %n lets a translation give each count its own plural form; the English keeps "result(s)".
+    QString shown = count > 0 ? tr("%n result(s) found", nullptr, count) : tr("No result");
+    if (!run)
+        return shown;
+    if (run->cancelled()) {
+        shown = tr("%1 (search cancelled after %2 of %3 datasets)").arg(shown).arg(run->read()).arg(run->hits());
+    } else if (run->totalCount() > static_cast<long long>(run->hits())) {
+        shown = tr("%1 result(s) found (the first %2 of %3 datasets were searched)")
+                    .arg(count)
+                    .arg(run->hits())
+                    .arg(run->totalCount());
+    }
+    if (run->unread() > 0) {
+        QStringList reasons;
+        for (const std::string& reason : run->reasons())
+            reasons << text(reason);
+        shown += QLatin1Char('\n')
+                 + tr("%n dataset(s) could not be read: %1", nullptr, static_cast<int>(run->unread()))
+                       .arg(reasons.join(QStringLiteral("; ")));
+    } else if (!run->reasons().empty()) {
+        // The query itself failed; its reason says so.
+        shown += QLatin1Char('\n') + text(run->reasons().front());
+    }
+    return shown;
 }
 
 std::vector<VdsInfo> OsduWidget::fastVolumes()
@@ -324,14 +392,13 @@ void OsduWidget::onSearchDone(const std::shared_ptr<osdu::StorageRecordCollectio
     } catch (const std::exception& failure) {
         trace(QString("FAST OSDU onSearchDone exception: %1").arg(exceptionText(failure)));
     }
-    const int count = m_osduTree->model()->vdsCount();
-    // %n lets a translation give each count its own plural form; the English keeps "result(s)".
-    m_resultLabel->setText(count > 0 ? tr("%n result(s) found", nullptr, count) : tr("No result"));
+    m_progressTimer->stop();
+    m_resultLabel->setText(resultText(m_osduTree->model()->vdsCount()));
     if (m_searching)
         QApplication::restoreOverrideCursor();
     m_searching = false;
     m_searchInput->setEnabled(true);
-    m_searchButton->setEnabled(true);
+    m_searchButton->setText(tr("Search"));
     if (m_sessionEnded)
         tellSessionEnded();
 }

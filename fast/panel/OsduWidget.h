@@ -13,6 +13,7 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QTimer;
 
 namespace fast {
 
@@ -48,9 +49,12 @@ public:
     // The platform session can no longer be renewed: once any search under way has ended, the
     // user is told and Connect signs in again.
     void sessionEnded();
-    // Search (the button or Return): one at a time; clears the tree, shows the wait cursor and
-    // hands the filter to the search box, whose results come back in onSearchDone().
+    // Search (the button or Return): one at a time; clears the tree, shows the busy cursor and
+    // hands the filter to the search box, whose results come back in onSearchDone(). While a
+    // search runs the button reads Cancel, and pressing it cancels the search.
     void performSearch();
+    // The button while a search runs, or Escape: the search stops, and what it found shows.
+    void cancelSearch();
     // Shows the results with what FAST knows of each dataset, the result count, and gives the
     // cursor and the search back; tells an ended session now if it ended meanwhile.
     void onSearchDone(const std::shared_ptr<osdu::StorageRecordCollection>& results);
@@ -63,6 +67,10 @@ public:
 Q_SIGNALS:
     void enableUI();
 
+protected:
+    // Escape cancels the search under way; otherwise it goes on to the host as before.
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void enableSearch();
     // Connect reads "Cancel" while a sign-in this page started waits; the address shows only then.
@@ -73,6 +81,9 @@ private:
     // The VDS FAST knows, empty (and reported) when the listing cannot be read.
     std::vector<VdsInfo> fastVolumes();
     void showResults(const std::shared_ptr<osdu::StorageRecordCollection>& results);
+    void showProgress();
+    // The count of datasets found, and what the search could not do.
+    QString resultText(int count) const;
     // After a failed mount: unregisters what this mount registered, and shows the dataset
     // unregistered again.
     void forgetRegistration(const VdsModel& vdsModel, const std::string& vdsId);
@@ -83,9 +94,10 @@ private:
     QPushButton* m_searchButton = nullptr;
     QComboBox* m_providerChoice = nullptr;
     QPushButton* m_connectButton = nullptr;
+    QTimer* m_progressTimer = nullptr;
     std::shared_ptr<OsduFastInitializer> m_initializer;
     QString m_projectPath;
-    // From the search's start to its results: the wait cursor is ours to restore.
+    // From the search's start to its results: the busy cursor is ours to restore.
     bool m_searching = false;
     // The session ended during the search under way; told when it is over.
     bool m_sessionEnded = false;

@@ -1,5 +1,6 @@
 #include <osdu/CurlSession.h>
 
+#include "CurlMultiplexer_p.h"
 #include "NetworkRoute.h"
 
 #include <curl/curl.h>
@@ -23,10 +24,34 @@ std::size_t appendToString(char* data, std::size_t size, std::size_t count, void
     return size * count;
 }
 
-int abortWhenCancelled(void* cancelled, curl_off_t /*downloadTotal*/, curl_off_t /*downloaded*/,
-                       curl_off_t /*uploadTotal*/, curl_off_t /*uploaded*/)
+std::size_t keepRetryAfter(char* data, std::size_t size, std::size_t count, void* target)
 {
-    return static_cast<const std::atomic<bool>*>(cancelled)->load() ? 1 : 0;
+    const std::string line(data, size * count);
+    const std::string name = "retry-after:";
+    if (line.size() > name.size()) {
+        std::string start = line.substr(0, name.size());
+        for (char& c : start)
+            c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+        if (start == name) {
+            const std::size_t first = line.find_first_not_of(" \t", name.size());
+            const std::size_t last = line.find_last_not_of(" \t\r\n");
+            *static_cast<std::string*>(target) = first == std::string::npos || last < first
+                                                     ? std::string()
+                                                     : line.substr(first, last - first + 1);
+        }
+    }
+    return size * count;
+}
+
+int askAbort(void* abort, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
+{
+    return (*static_cast<const std::function<bool()>*>(abort))() ? 1 : 0;
+}
+
+bool cutOff(CURLcode result)
+{
+    return result == CURLE_RECV_ERROR || result == CURLE_SEND_ERROR || result == CURLE_GOT_NOTHING
+           || result == CURLE_PARTIAL_FILE || result == CURLE_HTTP2 || result == CURLE_HTTP2_STREAM;
 }
 
 CURL* asCurl(void* handle)
@@ -69,9 +94,14 @@ void CurlSession::setTimeoutMs(long timeoutMs)
     m_timeoutMs = timeoutMs;
 }
 
-void CurlSession::setCancelFlag(const std::atomic<bool>* cancelled)
+void CurlSession::setAbortCheck(std::function<bool()> abort)
 {
-    m_cancelled = cancelled;
+    m_abort = std::move(abort);
+}
+
+void CurlSession::setMultiplexer(std::shared_ptr<CurlMultiplexer> multiplexer)
+{
+    m_multiplexer = std::move(multiplexer);
 }
 
 CurlResponse CurlSession::get()
@@ -108,11 +138,11 @@ CurlResponse CurlSession::perform(const char* method)
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &response.text);
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headerList);
     curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, m_timeoutMs);
-    // libcurl calls the progress function at least once a second, also while waiting for an answer.
-    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, m_cancelled ? 0L : 1L);
-    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, m_cancelled ? &abortWhenCancelled : nullptr);
-    // libcurl hands its data on as void*; the flag is only read.
-    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, const_cast<std::atomic<bool>*>(m_cancelled));
+    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &keepRetryAfter);
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, &response.retryAfter);
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, m_abort ? 0L : 1L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, m_abort ? &askAbort : nullptr);
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, m_abort ? &m_abort : nullptr);
     if (verb == "POST") {
         curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, nullptr);
         curl_easy_setopt(curl, CURLOPT_POST, 1L);
@@ -126,20 +156,32 @@ CurlResponse CurlSession::perform(const char* method)
         curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
     }
 
-    const CURLcode result = curl_easy_perform(curl);
+    if (m_multiplexer) {
+        // Rather a stream on a connection that is being set up than a connection of its own.
+        curl_easy_setopt(curl, CURLOPT_PIPEWAIT, 1L);
+        curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+    }
+    const CURLcode result = m_multiplexer ? static_cast<CURLcode>(m_multiplexer->perform(curl))
+                                          : curl_easy_perform(curl);
     if (result == CURLE_OK) {
         long status = 0;
         curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
         response.statusCode = static_cast<int>(status);
+        long version = 0;
+        curl_easy_getinfo(curl, CURLINFO_HTTP_VERSION, &version);
+        response.multiplexed = version >= CURL_HTTP_VERSION_2_0;
     } else {
         // Like a failed transfer in any HTTP client: no status, no partial body.
         response.statusCode = 0;
         response.text.clear();
+        response.retryAfter.clear();
+        response.connectionCut = cutOff(result);
         response.error = errorBuffer[0] != '\0' ? errorBuffer : curl_easy_strerror(result);
     }
 
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, nullptr);
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, nullptr);
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, nullptr);
     curl_slist_free_all(headerList);
     return response;
 }

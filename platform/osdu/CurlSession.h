@@ -2,12 +2,15 @@
 
 #include <osdu/osdu_export.h>
 
-#include <atomic>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace osdu {
+
+class CurlMultiplexer;
 
 // What one transfer gave: the HTTP status (0 when the transfer failed), the body, and the
 // transport's own words when it failed.
@@ -16,6 +19,13 @@ struct CurlResponse
     int statusCode = 0;
     std::string text;
     std::string error;
+    // The answer's Retry-After header, as sent; empty when there was none.
+    std::string retryAfter;
+    // The connection broke under the transfer (reset, nothing or half an answer received), as
+    // against a service that cannot be reached at all.
+    bool connectionCut = false;
+    // The answer came over HTTP/2 or later, on a connection that carries many requests at once.
+    bool multiplexed = false;
 };
 
 // The tree's one HTTP transport, a thin RAII layer over one libcurl easy handle. By default a
@@ -37,9 +47,11 @@ public:
     void setHeaders(std::vector<Header> headers);
     // 0 means no limit, the default.
     void setTimeoutMs(long timeoutMs);
-    // A transfer under way ends, as failed, within about a second of *cancelled turning true.
-    // The flag must outlive the transfers; nullptr (the default) means none.
-    void setCancelFlag(const std::atomic<bool>* cancelled);
+    // Asked about once a second during a transfer, and more often while data flows: true
+    // abandons the transfer, which then fails with status 0. Empty, the default, never does.
+    void setAbortCheck(std::function<bool()> abort);
+    // The library's own: transfers go through the multiplexer, on connections it shares.
+    void setMultiplexer(std::shared_ptr<CurlMultiplexer> multiplexer);
 
     CurlResponse get();
     CurlResponse post();
@@ -53,7 +65,8 @@ private:
     std::string m_body;
     std::vector<Header> m_headers;
     long m_timeoutMs = 0;
-    const std::atomic<bool>* m_cancelled = nullptr;
+    std::function<bool()> m_abort;
+    std::shared_ptr<CurlMultiplexer> m_multiplexer;
 };
 
 } // namespace osdu

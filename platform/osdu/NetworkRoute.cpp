@@ -2,6 +2,7 @@
 
 #include "TransportSecurity_p.h"
 
+#include <QByteArray>
 #include <QNetworkProxy>
 #include <QNetworkProxyFactory>
 #include <QNetworkProxyQuery>
@@ -99,6 +100,11 @@ void applyNetworkRoute(CURL* handle, const std::string& url)
     curl_easy_setopt(handle, CURLOPT_NOPROXY, "");
     curl_easy_setopt(handle, CURLOPT_PROXYUSERNAME, orNull(route.user));
     curl_easy_setopt(handle, CURLOPT_PROXYPASSWORD, orNull(route.password));
+    // The curl tool's convention names a bundle of certificate authorities of one's own (a
+    // company's, a test's); the system's own still count. libcurl copies the text.
+    const QByteArray authorities = qgetenv("CURL_CA_BUNDLE");
+    if (!authorities.isEmpty())
+        curl_easy_setopt(handle, CURLOPT_CAINFO, authorities.constData());
 #if defined(_WIN32) && defined(CURLSSLOPT_NATIVE_CA)
     // The certificates that Windows trusts, its administrators' and companies' own included.
     curl_easy_setopt(handle, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NATIVE_CA));

@@ -1,10 +1,19 @@
 #include <osdu/OsduHttpClient.h>
 
 #include <osdu/OsduAuthProvider.h>
+#include <osdu/RequestGovernor.h>
 
+#include "CurlMultiplexer_p.h"
 #include "TransportSecurity_p.h"
 
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <cctype>
+#include <ctime>
+#include <random>
 #include <stdexcept>
+#include <thread>
 
 namespace osdu {
 
@@ -12,6 +21,44 @@ namespace {
 
 // A request that has not finished in this time will not: better an error than a hang.
 constexpr long RequestTimeoutMs = 2L * 60 * 1000;
+constexpr int kMostAttempts = 4;
+// However long a busy platform asks us to wait: a person is waiting for the answer.
+constexpr std::chrono::milliseconds kLongestWait{30000};
+constexpr std::chrono::milliseconds kFirstBackoff{250};
+
+bool worthRetrying(const CurlResponse& response)
+{
+    const int status = response.statusCode;
+    return status == 429 || status == 502 || status == 503 || status == 504 || (status == 0 && response.connectionCut);
+}
+
+// What Retry-After asks for, delta seconds or an HTTP date; negative when it says nothing usable.
+std::chrono::milliseconds askedWait(const std::string& retryAfter)
+{
+    if (retryAfter.empty())
+        return std::chrono::milliseconds(-1);
+    if (std::all_of(retryAfter.begin(), retryAfter.end(),
+                    [](char c) { return std::isdigit(static_cast<unsigned char>(c)); }))
+        return retryAfter.size() > 6 ? kLongestWait : std::chrono::seconds(std::stol(retryAfter));
+    const time_t when = curl_getdate(retryAfter.c_str(), nullptr);
+    if (when == -1)
+        return std::chrono::milliseconds(-1);
+    return std::chrono::seconds(std::max<long long>(0, static_cast<long long>(when - std::time(nullptr))));
+}
+
+// Exponential, with jitter so that requests turned away together do not come back together.
+std::chrono::milliseconds backoff(int failedAttempt)
+{
+    thread_local std::mt19937 random{std::random_device{}()};
+    const long long ceiling = kFirstBackoff.count() << (failedAttempt - 1);
+    return std::chrono::milliseconds(std::uniform_int_distribution<long long>(ceiling / 2, ceiling)(random));
+}
+
+std::chrono::milliseconds retryWait(const CurlResponse& response, int failedAttempt)
+{
+    const std::chrono::milliseconds asked = askedWait(response.retryAfter);
+    return std::min(asked.count() >= 0 ? asked : backoff(failedAttempt), kLongestWait);
+}
 
 } // namespace
 
@@ -22,6 +69,10 @@ OsduHttpClient::OsduHttpClient(const std::string& baseUrl, std::shared_ptr<OsduA
         throw std::invalid_argument("An OSDU client needs an authorization provider");
     while (!m_baseUrl.empty() && m_baseUrl.back() == '/')
         m_baseUrl.pop_back();
+    // HTTP/2 is negotiated over TLS only. Plain HTTP (this machine's loopback) keeps a
+    // connection per thread, which costs less than handing each transfer to another thread.
+    if (m_baseUrl.compare(0, 8, "https://") == 0)
+        m_multiplexer = std::make_shared<CurlMultiplexer>();
 }
 
 OsduHttpClient::~OsduHttpClient() = default;
@@ -36,38 +87,94 @@ CurlResponse OsduHttpClient::post(const std::string& path, const std::string& js
     return send(true, path, jsonBody, partition);
 }
 
+void OsduHttpClient::setGovernor(std::shared_ptr<RequestGovernor> governor)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_governor = std::move(governor);
+}
+
 CurlResponse OsduHttpClient::send(bool post, const std::string& path, const std::string& body,
                                   const std::string& partition)
 {
     // Checked before the token is asked for: nothing goes out, not even a name lookup.
     if (!usesSafeTransport(m_baseUrl))
         throw std::runtime_error(unsafeTransportMessage("OSDU_BASE_URL"));
+    std::shared_ptr<RequestGovernor> governor;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        governor = m_governor;
+    }
     std::unique_ptr<CurlSession> session = takeSession();
     CurlResponse response;
     try {
-        // A token can be revoked or cut short before its stated expiry: one renewal and retry.
-        for (int attempt = 0; attempt < 2; ++attempt) {
-            const std::string token = m_auth->accessToken();
-            session->setUrl(m_baseUrl + path);
-            session->setHeaders({{"Authorization", "Bearer " + token},
-                                 {"data-partition-id", partition},
-                                 {"Content-Type", "application/json"},
-                                 {"Accept", "application/json"}});
-            session->setBody(body);
-            session->setTimeoutMs(RequestTimeoutMs);
-            response = post ? session->post() : session->get();
-            if (response.statusCode != 401) {
-                giveBack(std::move(session));
-                return response;
+        for (int attempt = 1;; ++attempt) {
+            const std::uint64_t ticket = governor ? governor->enter() : 1;
+            if (ticket == 0) {
+                response = CurlResponse();
+                response.error = governor->cancelled() ? "the search was cancelled" : "the search took too long";
+                break;
             }
-            if (attempt == 0)
-                m_auth->discardAccessToken(token);
+            try {
+                response = sendAuthorized(*session, post, path, body, partition, governor);
+            } catch (...) {
+                if (governor)
+                    governor->leave(ticket, 0);
+                throw;
+            }
+            if (governor)
+                governor->leave(ticket, response.statusCode);
+            if (!worthRetrying(response) || attempt == kMostAttempts)
+                break;
+            const std::chrono::milliseconds wait = retryWait(response, attempt);
+            if (governor && RequestGovernor::Clock::now() + wait > governor->deadline())
+                break;
+            if (governor && governor->onRetry)
+                governor->onRetry({path, attempt, kMostAttempts, response.statusCode, static_cast<long>(wait.count())});
+            if (!governor)
+                std::this_thread::sleep_for(wait);
+            else if (!governor->pause(wait))
+                break;
         }
     } catch (...) {
         giveBack(std::move(session));
         throw;
     }
     giveBack(std::move(session));
+    return response;
+}
+
+CurlResponse OsduHttpClient::sendAuthorized(CurlSession& session, bool post, const std::string& path,
+                                            const std::string& body, const std::string& partition,
+                                            const std::shared_ptr<RequestGovernor>& governor)
+{
+    long timeoutMs = RequestTimeoutMs;
+    if (governor) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(governor->deadline()
+                                                                                - RequestGovernor::Clock::now());
+        timeoutMs = std::max(1L, std::min(timeoutMs, static_cast<long>(left.count())));
+        session.setAbortCheck([governor] { return governor->cancelled(); });
+    } else {
+        session.setAbortCheck({});
+    }
+    CurlResponse response;
+    // A token can be revoked or cut short before its stated expiry: one renewal and retry.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        const std::string token = m_auth->accessToken();
+        session.setUrl(m_baseUrl + path);
+        session.setHeaders({{"Authorization", "Bearer " + token},
+                            {"data-partition-id", partition},
+                            {"Content-Type", "application/json"},
+                            {"Accept", "application/json"}});
+        session.setBody(body);
+        session.setTimeoutMs(timeoutMs);
+        response = post ? session.post() : session.get();
+        if (response.statusCode != 0)
+            m_multiplexing = response.multiplexed;
+        if (response.statusCode != 401)
+            return response;
+        if (attempt == 0)
+            m_auth->discardAccessToken(token);
+    }
     // Turned away with a token just renewed: no renewal will help.
     m_auth->endSession();
     return response;
@@ -83,7 +190,9 @@ std::unique_ptr<CurlSession> OsduHttpClient::takeSession()
             return session;
         }
     }
-    return std::make_unique<CurlSession>();
+    auto session = std::make_unique<CurlSession>();
+    session->setMultiplexer(m_multiplexer);
+    return session;
 }
 
 void OsduHttpClient::giveBack(std::unique_ptr<CurlSession> session)

@@ -19,6 +19,11 @@ public:
 
     std::vector<SearchHit> query(const SearchQuery& query, const std::string& partition) override
     {
+        return queryPage(query, partition).hits;
+    }
+
+    SearchPage queryPage(const SearchQuery& query, const std::string& partition) override
+    {
         Poco::JSON::Object body(Poco::JSON_PRESERVE_KEY_ORDER);
         body.set("kind", query.kind);
         body.set("limit", query.limit);
@@ -39,6 +44,11 @@ private:
 } // namespace
 
 Search::~Search() = default;
+
+SearchPage Search::queryPage(const SearchQuery& query, const std::string& partition)
+{
+    return {this->query(query, partition), -1};
+}
 
 std::shared_ptr<Search> createSearch(std::shared_ptr<OsduHttpClient> client)
 {

@@ -25,6 +25,14 @@ struct SearchHit
     std::string kind;
 };
 
+// One page of hits and how many records match in all, beyond the page too; -1 when the
+// platform does not say.
+struct SearchPage
+{
+    std::vector<SearchHit> hits;
+    long long totalCount = -1;
+};
+
 // The platform's Search service, over the client given to createSearch(). Blocking; safe from
 // several threads at once, as the client is.
 class OSDU_EXPORT Search
@@ -33,6 +41,8 @@ public:
     virtual ~Search();
     // One page of hits. Throws std::runtime_error with the platform's reason on failure.
     virtual std::vector<SearchHit> query(const SearchQuery& query, const std::string& partition) = 0;
+    // The same, with the count of all matching records.
+    virtual SearchPage queryPage(const SearchQuery& query, const std::string& partition);
 };
 
 OSDU_EXPORT std::shared_ptr<Search> createSearch(std::shared_ptr<OsduHttpClient> client);

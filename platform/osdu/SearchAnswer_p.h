@@ -9,9 +9,9 @@
 
 namespace osdu {
 
-// The hits of one page, in the platform's order; entries that are not objects are passed over.
+// The hits of one page, in the platform's order, and the total count; entries that are not objects are passed over.
 // Throws std::runtime_error "Search failed..." with the platform's reason when the status is
 // not 200 or the answer is not a JSON object.
-std::vector<SearchHit> readSearchAnswer(const CurlResponse& response);
+SearchPage readSearchAnswer(const CurlResponse& response);
 
 } // namespace osdu

@@ -37,7 +37,8 @@ TokenGrant requestTokens(const TokenRequest& request)
     session.setHeaders(std::move(headers));
     session.setBody(formEncoded(request.form));
     session.setTimeoutMs(request.timeoutMs);
-    session.setCancelFlag(request.cancelled);
+    if (const std::atomic<bool>* cancelled = request.cancelled)
+        session.setAbortCheck([cancelled] { return cancelled->load(); });
     return readTokenAnswer(session.post());
 }
 

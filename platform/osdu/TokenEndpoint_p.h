@@ -21,7 +21,7 @@ struct TokenRequest
     FieldList form;
     FieldList headers;
     long timeoutMs = 0;
-    const std::atomic<bool>* cancelled = nullptr; // see CurlSession::setCancelFlag
+    const std::atomic<bool>* cancelled = nullptr; // true ends the exchange early, within about a second
 };
 
 QByteArray percentEncoded(const std::string& text);

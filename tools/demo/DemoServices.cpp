@@ -19,7 +19,6 @@
 
 namespace {
 
-constexpr int kDatasets = 8;
 // Datasets FAST knows before the tour starts, so that the OSDU page shows both states.
 constexpr int kRegisteredDatasets[] = {2, 4};
 const char* const kSamples[] = {"north-sea", "gulf", "barents"};
@@ -33,7 +32,7 @@ QString key(const std::string& group, const std::string& name)
 
 } // namespace
 
-DemoServices::DemoServices(QString workFolder) : m_workFolder(std::move(workFolder))
+DemoServices::DemoServices(QString workFolder, OsduKnobs osdu) : m_workFolder(std::move(workFolder)), m_knobs(osdu)
 {
 }
 
@@ -54,7 +53,10 @@ bool DemoServices::start()
     fastOptions.driveDir = work.filePath(QStringLiteral("drive")).toStdString();
     fastOptions.stateFile = work.filePath(QStringLiteral("fast-state.json")).toStdString();
     m_fast = std::make_unique<emulator::FastEmulator>(fastOptions);
-    m_osdu = std::make_unique<emulator::OsduEmulator>();
+    emulator::OsduEmulatorOptions osduOptions;
+    osduOptions.latencyMs = m_knobs.latencyMs;
+    osduOptions.throttling.every = m_knobs.throttleEvery;
+    m_osdu = std::make_unique<emulator::OsduEmulator>(osduOptions);
     try {
         m_fast->start();
         m_osdu->start();
@@ -62,7 +64,7 @@ bool DemoServices::start()
         m_error = QStringLiteral("the emulators did not start: %1").arg(QString::fromStdString(error.displayText()));
         return false;
     }
-    m_osdu->seedDatasets(kDatasets);
+    m_osdu->seedDatasets(m_knobs.datasets);
     writeSettings();
     if (!registerDatasetsInFast())
         return false;
@@ -70,7 +72,7 @@ bool DemoServices::start()
     std::printf("fast-panel-demo: FAST emulator on http://127.0.0.1:%u, virtual drive %s\n"
                 "fast-panel-demo: OSDU emulator on %s, %d datasets (vol-0002 and vol-0004 known to FAST)\n"
                 "fast-panel-demo: settings %s\n",
-                m_fast->port(), fastOptions.driveDir.c_str(), m_osdu->baseUrl().c_str(), kDatasets,
+                m_fast->port(), fastOptions.driveDir.c_str(), m_osdu->baseUrl().c_str(), m_knobs.datasets,
                 qPrintable(QSettings().fileName()));
     std::fflush(stdout);
     return true;

@@ -9,6 +9,15 @@ class FastEmulator;
 class OsduEmulator;
 } // namespace emulator
 
+// How the demo's OSDU emulator behaves: how many datasets it holds, how far away it seems, and
+// every how many data requests it turns one away with 429 (0: never).
+struct OsduKnobs
+{
+    int datasets = 8;
+    int latencyMs = 0;
+    int throttleEvery = 0;
+};
+
 // The services the demo can run in its own process instead of real ones: the FAST emulator
 // with its virtual drive, and the OSDU emulator with a few datasets, two of them registered in
 // FAST beforehand. Everything lives under one work folder: the drive, sample volumes and the
@@ -16,7 +25,7 @@ class OsduEmulator;
 class DemoServices
 {
 public:
-    explicit DemoServices(QString workFolder);
+    explicit DemoServices(QString workFolder, OsduKnobs osdu = {});
     ~DemoServices();
     DemoServices(const DemoServices&) = delete;
     DemoServices& operator=(const DemoServices&) = delete;
@@ -35,6 +44,7 @@ private:
     bool registerDatasetsInFast();
 
     QString m_workFolder;
+    OsduKnobs m_knobs;
     QString m_error;
     std::unique_ptr<emulator::FastEmulator> m_fast;
     std::unique_ptr<emulator::OsduEmulator> m_osdu;

@@ -34,6 +34,7 @@ struct DemoOptions
     bool dark = false;
     QString projectFolder;
     QString emulatorsFolder;
+    OsduKnobs osdu;
     TourOptions tour;
 
     bool scripted() const { return !tour.screenshotFile.isEmpty() || !tour.tourDir.isEmpty(); }
@@ -73,7 +74,13 @@ std::optional<int> readCommandLine(DemoOptions& options, bool headless)
         "settings (pointing at them) under DIR. --screenshot and --tour then mount one of the samples.",
         "DIR");
     const QCommandLineOption darkOption("dark", "Show everything in the Fusion style on a dark palette.");
-    parser.addOptions({projectOption, screenshotOption, tourOption, mountOption, emulatorsOption, darkOption});
+    // A platform far away and busy, to see the OSDU search's progress, retries and Cancel.
+    const QCommandLineOption datasetsOption("osdu-datasets", "With --emulators: the OSDU datasets (default 8).", "N");
+    const QCommandLineOption latencyOption("osdu-latency-ms", "With --emulators: added to every OSDU answer.", "MS");
+    const QCommandLineOption throttleOption(
+        "osdu-throttle-every", "With --emulators: every K-th OSDU data request is answered 429, Retry-After: 0.", "K");
+    parser.addOptions({projectOption, screenshotOption, tourOption, mountOption, emulatorsOption, darkOption,
+                       datasetsOption, latencyOption, throttleOption});
     if (!parser.parse(QCoreApplication::arguments()))
         return usageError(parser, parser.errorText());
     if (parser.isSet("help")) {
@@ -86,6 +93,18 @@ std::optional<int> readCommandLine(DemoOptions& options, bool headless)
     options.dark = parser.isSet(darkOption);
     options.projectFolder = parser.value(projectOption);
     options.emulatorsFolder = parser.value(emulatorsOption);
+    bool numbers = true;
+    const auto number = [&parser, &numbers](const QCommandLineOption& option, int fallback) {
+        bool ok = true;
+        const int value = parser.isSet(option) ? parser.value(option).toInt(&ok) : fallback;
+        numbers = numbers && ok && value >= 0;
+        return value;
+    };
+    options.osdu = OsduKnobs{number(datasetsOption, options.osdu.datasets), number(latencyOption, 0),
+                             number(throttleOption, 0)};
+    if (!numbers)
+        return usageError(parser, QStringLiteral("--osdu-datasets, --osdu-latency-ms and --osdu-throttle-every take "
+                                                 "a number from 0"));
     options.tour = TourOptions{parser.value(screenshotOption), parser.value(tourOption), parser.value(mountOption)};
     if (!options.tour.samplePath.isEmpty() && !options.scripted())
         return usageError(parser, QStringLiteral("--mount goes with --screenshot or --tour"));
@@ -134,7 +153,7 @@ int main(int argc, char** argv)
 
     std::unique_ptr<DemoServices> services;
     if (!options.emulatorsFolder.isEmpty()) {
-        services = std::make_unique<DemoServices>(options.emulatorsFolder);
+        services = std::make_unique<DemoServices>(options.emulatorsFolder, options.osdu);
         if (!services->start()) {
             std::fprintf(stderr, "fast-panel-demo: %s\n", qPrintable(services->error()));
             return 1;

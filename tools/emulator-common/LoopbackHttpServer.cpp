@@ -17,7 +17,9 @@ namespace emulator {
 
 namespace {
 
-constexpr int kMostConnections = 80;
+// Each kept-alive connection holds a thread: room for a client's own connections and for an
+// HTTP/2 front's connections (one per stream in flight) at once.
+constexpr int kMostConnections = 192;
 
 } // namespace
 

@@ -109,7 +109,7 @@ OsduEmulator::OsduEmulator(OsduEmulatorOptions options)
                        std::chrono::seconds(m_options.refreshTokenSeconds), m_options.announceRefreshTokenLifetime,
                        m_options.issuedPrefix, m_options.tokenType, m_options.refreshTokenOnlyWithConsent,
                        m_options.rotateRefreshTokens}),
-      m_records(m_options.partition), m_latencyMs(m_options.latencyMs)
+      m_records(m_options.partition), m_latencyMs(m_options.latencyMs), m_throttling(m_options.throttling)
 {
 }
 
@@ -231,6 +231,41 @@ void OsduEmulator::setDelay(const std::string& pathPrefix, int delayMs)
     m_delays[pathPrefix] = delayMs;
 }
 
+void OsduEmulator::setThrottling(const Throttling& throttling)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_throttling = throttling;
+    m_dataRequests = 0;
+    m_throttled = 0;
+}
+
+int OsduEmulator::throttledRequests() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_throttled;
+}
+
+std::optional<OsduReply> OsduEmulator::throttle()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const int number = ++m_dataRequests;
+    const bool turnedAway = (m_throttling.every > 0 && number % m_throttling.every == 0)
+                            || (m_throttling.first > 0 && number <= m_throttling.first);
+    if (!turnedAway)
+        return std::nullopt;
+    ++m_throttled;
+    if (m_throttling.status == 0)
+        return OsduReply{0, {}, {}, {}};
+    const char* reason = m_throttling.status == 429   ? "Too Many Requests"
+                         : m_throttling.status == 502 ? "Bad Gateway"
+                         : m_throttling.status == 503 ? "Service Unavailable"
+                                                      : "Gateway Timeout";
+    OsduReply reply = OsduReply::error(m_throttling.status, reason, std::string(reason) + " (injected)");
+    if (m_throttling.status == 429 && !m_throttling.retryAfter.empty())
+        reply.headers.emplace_back("Retry-After", m_throttling.retryAfter);
+    return reply;
+}
+
 void OsduEmulator::clearFaults()
 {
     m_records.clearFailing();
@@ -239,6 +274,7 @@ void OsduEmulator::clearFaults()
     m_rejections = 0;
     m_servedBeforeRejecting = 0;
     m_delays.clear();
+    m_throttling = Throttling{};
 }
 
 void OsduEmulator::setAccessTokenLifetime(std::chrono::milliseconds lifetime)
@@ -278,6 +314,10 @@ std::optional<OsduReply> OsduEmulator::answer(const OsduRequest& request)
     const int delayMs = delayFor(path);
     if (delayMs > 0 && !http().holdBack(delayMs))
         return std::nullopt;
+    if (path == kSearchPath || path == kQueryRecordsPath || startsWith(path, kRecordPath)) {
+        if (std::optional<OsduReply> turnedAway = throttle())
+            return turnedAway->status == 0 ? std::nullopt : turnedAway;
+    }
     return route(request, path, query);
 }
 

@@ -15,6 +15,18 @@
 
 namespace emulator {
 
+// A platform under load: data requests (search and storage) answered with status instead of
+// their data, every k-th one (every > 0), or the first n ones (first > 0). Status 0 resets the
+// connection without an answer. A 429 carries Retry-After with this text (seconds or an HTTP
+// date) unless it is empty.
+struct Throttling
+{
+    int status = 429;
+    int every = 0;
+    int first = 0;
+    std::string retryAfter = "0";
+};
+
 struct OsduEmulatorOptions
 {
     // 0 picks a free port at the first start; later starts reuse the port.
@@ -43,6 +55,8 @@ struct OsduEmulatorOptions
     // when that server's userinfo endpoint (this URL) accepts it, and the emulator's own tokens
     // are not.
     std::string userinfoUrl;
+    // From the start, as setThrottling().
+    Throttling throttling;
 };
 
 // One request as the emulator received it, with the headers a client is judged by.
@@ -99,6 +113,10 @@ public:
     void setDelay(const std::string& pathPrefix, int delayMs);
     // Every request waits this much longer, as over a network far away; clearFaults() keeps it.
     void setLatency(int latencyMs);
+    // Counts data requests from now on; clearFaults() ends it.
+    void setThrottling(const Throttling& throttling);
+    // Data requests answered by the throttling since it was set.
+    int throttledRequests() const;
     void clearFaults();
 
     // Apply to tokens issued from now on.
@@ -109,7 +127,8 @@ public:
     IssuedTokens issuedTokens() const;
     std::string lastAuthorizeQuery() const;
 
-    // For the HTTP layer: the answer, or nothing when the emulator stopped while holding it back.
+    // For the HTTP layer: the answer, or nothing when the connection is to be reset (the emulator
+    // stopped while holding the answer back, or the throttling resets it).
     std::optional<OsduReply> answer(const OsduRequest& request);
 
 protected:
@@ -120,6 +139,9 @@ private:
     // The refusal, or nothing when the request may read the partition's data.
     std::optional<OsduReply> refuseAccess(const OsduRequest& request);
     int delayFor(const std::string& path) const;
+    // The throttling's answer to this data request, if it is one of those it turns away; an
+    // answer with status 0 means a reset.
+    std::optional<OsduReply> throttle();
 
     OsduEmulatorOptions m_options;
     AuthorizationServer m_authorization;
@@ -132,6 +154,9 @@ private:
     int m_rejections = 0;
     int m_servedBeforeRejecting = 0;
     int m_seeded = 0;
+    Throttling m_throttling;
+    int m_dataRequests = 0;
+    int m_throttled = 0;
 };
 
 } // namespace emulator

@@ -16,6 +16,7 @@ namespace {
 const char* const kUsage =
     "Usage: osdu-emulator [--port N] [--datasets N] [--partition P] [--client-id ID] [--client-secret S]\n"
     "                     [--access-ttl SECONDS] [--refresh-ttl SECONDS] [--latency-ms N] [--seed-prefix URL]\n"
+    "                     [--fail-status S] [--fail-every K] [--fail-first N] [--retry-after TEXT]\n"
     "\n"
     "Serves OAuth 2.0 (/oauth2/authorize, /oauth2/token), Search v2 (/api/search/v2/query) and\n"
     "Storage v2 (/api/storage/v2/...) on 127.0.0.1:N until interrupted.\n"
@@ -29,6 +30,11 @@ const char* const kUsage =
     "  --latency-ms N         added to every answer, as over a network far away (default 0)\n"
     "  --seed-prefix URL      where the seeded FileCollectionPaths begin\n"
     "                         (default s3://fast-demo-bucket/volumes/)\n"
+    "  --fail-status S        how data requests are turned away: 429, 502, 503, 504, or 0 for a\n"
+    "                         connection reset (default 429)\n"
+    "  --fail-every K         turn away every K-th search or storage request (default 0: none)\n"
+    "  --fail-first N         turn away the first N search or storage requests (default 0)\n"
+    "  --retry-after TEXT     a 429's Retry-After, seconds or an HTTP date (default 0; \"\" for none)\n"
     "  --help                 this text\n";
 
 struct Arguments
@@ -61,6 +67,17 @@ Arguments parse(int argc, char** argv)
             options.refreshTokenSeconds = static_cast<int>(line.number(1, 100000000));
         } else if (option == "--latency-ms") {
             options.latencyMs = static_cast<int>(line.number(0, 60000));
+        } else if (option == "--fail-status") {
+            options.throttling.status = static_cast<int>(line.number(0, 599));
+            if (options.throttling.status != 0 && options.throttling.status != 429
+                && (options.throttling.status < 502 || options.throttling.status > 504))
+                line.fail("--fail-status must be 0, 429, 502, 503 or 504");
+        } else if (option == "--fail-every") {
+            options.throttling.every = static_cast<int>(line.number(0, 1000000));
+        } else if (option == "--fail-first") {
+            options.throttling.first = static_cast<int>(line.number(0, 1000000));
+        } else if (option == "--retry-after") {
+            options.throttling.retryAfter = line.value();
         } else if (option == "--seed-prefix") {
             arguments.seedPrefix = line.value();
         } else {

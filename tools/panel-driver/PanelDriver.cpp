@@ -73,8 +73,10 @@ void answerNextFileDialog(const QString& path)
 bool search(const fast::OsduWidget& page)
 {
     QPushButton* button = searchButton(page);
+    // While the search runs the button reads Cancel; it has its own text back once it is over.
+    const QString idle = button->text();
     QTest::mouseClick(button, Qt::LeftButton);
-    return QTest::qWaitFor([button] { return button->isEnabled(); }, 120000);
+    return QTest::qWaitFor([button, idle] { return button->isEnabled() && button->text() == idle; }, 120000);
 }
 
 QString freeFileName(const QString& wanted, const QString& projectFolder)

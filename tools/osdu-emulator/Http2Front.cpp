@@ -1,0 +1,101 @@
+#include "Http2Front.h"
+
+#include <Poco/Net/ServerSocket.h>
+#include <Poco/Net/SocketAddress.h>
+#include <Poco/Net/StreamSocket.h>
+#include <Poco/Path.h>
+#include <Poco/Pipe.h>
+#include <Poco/PipeStream.h>
+#include <Poco/Process.h>
+#include <Poco/StreamCopier.h>
+#include <Poco/TemporaryFile.h>
+#include <Poco/Thread.h>
+
+#include <fstream>
+
+namespace emulator {
+
+namespace {
+
+constexpr int kListenWaitMs = 10000;
+
+unsigned short freePort()
+{
+    Poco::Net::ServerSocket socket(Poco::Net::SocketAddress("127.0.0.1", 0));
+    return socket.address().port();
+}
+
+} // namespace
+
+Http2Front::Http2Front(unsigned short backendPort) : m_backendPort(backendPort)
+{
+}
+
+Http2Front::~Http2Front()
+{
+    if (m_process) {
+        try {
+            Poco::Process::kill(*m_process);
+            m_process->wait();
+        } catch (const Poco::Exception&) {
+        }
+    }
+}
+
+std::string Http2Front::certificateFile() const
+{
+    return m_folder ? Poco::Path(m_folder->path(), "front.crt").toString() : std::string();
+}
+
+bool Http2Front::start()
+{
+    try {
+        m_folder = std::make_unique<Poco::TemporaryFile>();
+        m_folder->createDirectories();
+        const std::string key = Poco::Path(m_folder->path(), "front.key").toString();
+        // Not the machine's configuration: only what is given here.
+        const std::string configuration = Poco::Path(m_folder->path(), "nghttpx.conf").toString();
+        std::ofstream(configuration).flush();
+        // What openssl says along the way is of no interest; whether it made the files is.
+        Poco::Pipe said;
+        Poco::ProcessHandle openssl = Poco::Process::launch("openssl",
+                                                            {"req", "-x509", "-newkey", "ec", "-pkeyopt",
+                                                             "ec_paramgen_curve:prime256v1", "-nodes", "-keyout", key,
+                                                             "-out", certificateFile(), "-days", "1", "-subj",
+                                                             "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1"},
+                                                            nullptr, &said, &said);
+        Poco::PipeInputStream saidStream(said);
+        std::string ignored;
+        Poco::StreamCopier::copyToString(saidStream, ignored);
+        if (openssl.wait() != 0) {
+            m_failure = "openssl could not make a certificate";
+            return false;
+        }
+        // Taken back from the system just before nghttpx binds it: nobody else asks for it meanwhile.
+        m_port = freePort();
+        const std::string backend = std::to_string(m_backendPort);
+        m_process = std::make_unique<Poco::ProcessHandle>(
+            Poco::Process::launch("nghttpx",
+                                  {"--conf=" + configuration, "--frontend=127.0.0.1," + std::to_string(m_port),
+                                   "--backend=127.0.0.1," + backend, "--backend-connections-per-host=100",
+                                   "--workers=1", "--no-ocsp",
+                                   "--errorlog-file=" + Poco::Path(m_folder->path(), "error.log").toString(), key,
+                                   certificateFile()}));
+        for (int waited = 0; waited < kListenWaitMs; waited += 20) {
+            try {
+                Poco::Net::StreamSocket probe(Poco::Net::SocketAddress("127.0.0.1", m_port));
+                return true;
+            } catch (const Poco::Exception&) {
+                if (!Poco::Process::isRunning(*m_process))
+                    break;
+                Poco::Thread::sleep(20);
+            }
+        }
+        m_failure = "nghttpx did not listen on port " + std::to_string(m_port);
+    } catch (const Poco::Exception& failure) {
+        m_failure = "nghttpx could not be started: " + failure.displayText();
+    }
+    return false;
+}
+
+} // namespace emulator
