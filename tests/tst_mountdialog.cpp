@@ -135,9 +135,13 @@ private Q_SLOTS:
         QFETCH(fast::SubvolumeRange, range);
         QFETCH(QStringList, rows);
         QFETCH(bool, german);
-        if (german && !std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
-            QSKIP("no de_DE.UTF-8 locale: ./dev test installs it");
-        QLocale::setDefault(german ? QLocale(QLocale::German, QLocale::Germany) : QLocale::system());
+        QVERIFY2(!german || std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), "no de_DE.UTF-8 locale: ./dev test makes it");
+        const auto restore = qScopeGuard([] {
+            std::setlocale(LC_NUMERIC, "C");
+            QLocale::setDefault(QLocale::system());
+        });
+        if (german)
+            QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
         FastEmulatorFixture fixture;
         fast::MountNewVolume dialog(fixture.client(), "1", range, fixture.projectDir());
         QCOMPARE(QStringList({axisState(dialog, 3), axisState(dialog, 6), axisState(dialog, 9)}), rows);
