@@ -11,6 +11,7 @@
 #include <osdu/AzureOsduAuthProvider.h>
 #include <osdu/FileCollection.h>
 #include <osdu/OsduHttpClient.h>
+#include <osdu/RequestGovernor.h>
 #include <osdu/Search.h>
 #include <osdu/Storage.h>
 #include <osdu/StorageRecordFactory.h>
@@ -130,6 +131,7 @@ private Q_SLOTS:
     void everyFailureEndsInOneErrorInTheServersWords();
     void threadsAskingTogetherRenewTheTokenOnce();
     void searchAndStorageReadTheSeededDatasets();
+    void busyAnswersHalveTheRequestsInFlightOncePerRound();
     void requestsTakeTheSystemsProxyButLoopbackStaysDirect();
 };
 
@@ -431,6 +433,29 @@ void OsduClientTest::requestsTakeTheSystemsProxyButLoopbackStaysDirect()
     const auto client = std::make_shared<osdu::OsduHttpClient>(loopback, platform.provider);
     QCOMPARE(osdu::createSearch(client)->query({"osdu:wks:*:*", 1000, 0, {}}, "opendes").size(), std::size_t(3));
     QCOMPARE(log().count("Request ("), proxied);
+}
+
+void OsduClientTest::busyAnswersHalveTheRequestsInFlightOncePerRound()
+{
+    osdu::RequestGovernor governor(16, std::chrono::minutes(1));
+    std::vector<std::uint64_t> round;
+    for (int i = 0; i < 8; ++i)
+        round.push_back(governor.enter());
+    // A busy platform turns away the requests it holds together: one cut for all of them.
+    governor.leave(round[0], 429);
+    governor.leave(round[1], 429);
+    QCOMPARE(governor.inFlightLimit(), 8);
+    governor.leave(governor.enter(), 429); // sent after the cut
+    QCOMPARE(governor.inFlightLimit(), 4);
+    // Each success gives one back, up to the setting.
+    for (int i = 2; i < 8; ++i)
+        governor.leave(round[i], 200);
+    QCOMPARE(governor.inFlightLimit(), 10);
+    for (int i = 0; i < 8; ++i)
+        governor.leave(governor.enter(), 200);
+    QCOMPARE(governor.inFlightLimit(), 16);
+    governor.cancel();
+    QCOMPARE(governor.enter(), std::uint64_t(0));
 }
 
 QTEST_MAIN(OsduClientTest)
