@@ -439,6 +439,7 @@ void OsduClientTest::busyAnswersHalveTheRequestsInFlightOncePerRound()
 {
     osdu::RequestGovernor governor(16, std::chrono::minutes(1));
     std::vector<std::uint64_t> round;
+    round.reserve(8);
     for (int i = 0; i < 8; ++i)
         round.push_back(governor.enter());
     // A busy platform turns away the requests it holds together: one cut for all of them.
