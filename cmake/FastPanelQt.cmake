@@ -22,8 +22,9 @@ else()
   message(FATAL_ERROR "FASTPANEL_QT_MAJOR_VERSION is 5 or 6, not '${FASTPANEL_QT_MAJOR_VERSION}'")
 endif()
 
+# Svg for the icon renderer, whose PNGs the libraries embed.
 find_package(Qt${FASTPANEL_QT_MAJOR_VERSION} ${FASTPANEL_QT_MINIMUM_VERSION} REQUIRED
-  COMPONENTS Core Gui Widgets Network Svg Test)
+  COMPONENTS Core Gui Widgets Network Svg)
 
 set(FASTPANEL_INSTALL_DATADIR "${CMAKE_INSTALL_DATADIR}/fastpanel${FASTPANEL_NAME_SUFFIX}")
 set(FASTPANEL_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/${FASTPANEL_PACKAGE_NAME}")

@@ -236,20 +236,27 @@ private Q_SLOTS:
     void hoveredIconsStandOutFromTheirRows_data()
     {
         QTest::addColumn<bool>("dark");
-        QTest::newRow("light palette") << false;
-        QTest::newRow("dark Fusion palette") << true;
+        QTest::addColumn<bool>("onDockAlone");
+        QTest::newRow("light palette") << false << false;
+        QTest::newRow("dark Fusion palette") << true << false;
+        QTest::newRow("dark palette on the dock alone") << true << true;
     }
 
     void hoveredIconsStandOutFromTheirRows()
     {
         QFETCH(bool, dark);
+        QFETCH(bool, onDockAlone);
         // Last of the cases: the style stays.
         QApplication::setStyle(QStyleFactory::create("Fusion"));
         const QPalette original = QApplication::palette();
-        QApplication::setPalette(dark ? darkFusionPalette() : QApplication::style()->standardPalette());
+        const QPalette rows = dark ? darkFusionPalette() : QApplication::style()->standardPalette();
+        QApplication::setPalette(onDockAlone ? QApplication::style()->standardPalette() : rows);
+        QWidget dock;
+        dock.setPalette(rows);
+        dock.show();
 
         // Known and unknown datasets on plain (even) and striped (odd) rows: every icon of the tree.
-        fast::OsduTreeView view;
+        fast::OsduTreeView view(&dock);
         view.setItemDelegate(new fast::OsduTreeDelegate(view.proxyModel(), &view));
         for (const auto& [name, id] : {std::pair{"a", "v1"}, {"b", "v2"}, {"c", ""}, {"d", ""}})
             view.model()->addVds(dataset(name, id));
@@ -271,7 +278,8 @@ private Q_SLOTS:
             QApplication::sendEvent(view.viewport(), &move);
             QCOMPARE(qobject_cast<fast::FastTreeDelegate*>(view.itemDelegate())->hoveredIndex(), cell);
             const QImage shot = view.viewport()->grab().toImage();
-            const QColor background = QApplication::palette().color(row % 2 ? QPalette::AlternateBase : QPalette::Base);
+            const QColor background = rows.color(row % 2 ? QPalette::AlternateBase : QPalette::Base);
+            QCOMPARE(shot.pixelColor(view.visualRect(cell).topLeft()), background);
             const double share = shareThatStandsOut(shot, view.visualRect(cell), background);
             QVERIFY2(share >= 0.5,
                      qPrintable(QString("%1: %2 % of the pixels at 3:1").arg(what).arg(share * 100, 0, 'f', 0)));

@@ -3,6 +3,7 @@
 // prepared for the POCO exceptions named here and nothing else (the fuzzers try the rest).
 
 #include <fast/client/VdsDescriptorParser.h>
+#include <fast/client/VdsInfoLookup_p.h>
 
 #include <Poco/Exception.h>
 #include <Poco/JSON/JSONException.h>

@@ -1,6 +1,7 @@
 #include <fast/client/VdsDescriptorParser.h>
 
 #include "ListingReader_p.h"
+#include "VdsInfoLookup_p.h"
 
 #include <Poco/Exception.h>
 #include <Poco/JSON/Array.h>

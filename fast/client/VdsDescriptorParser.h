@@ -3,8 +3,6 @@
 #include <fast/fastpanel_export.h>
 #include <fast/client/VdsDescriptors.h>
 
-#include <Poco/JSON/Object.h>
-
 #include <string>
 #include <vector>
 
@@ -21,12 +19,6 @@ namespace fast {
 // listing whose "vdsId" names it. Files of unknown volumes are dropped; when two volumes share
 // an id, the first one gets the files. An empty or "null" listing counts as no entries.
 FASTPANEL_EXPORT std::vector<VdsInfo> parseVdsInfos(const std::string& vdsListJson, const std::string& fileListJson);
-
-// The first record in [first, last) whose vdsId equals the entry's "vdsId" as text; last when
-// none does. Linear: parseVdsInfos itself looks records up through an index.
-FASTPANEL_EXPORT std::vector<VdsInfo>::iterator findVdsInfo(std::vector<VdsInfo>::iterator first,
-                                                            std::vector<VdsInfo>::iterator last,
-                                                            const Poco::JSON::Object::Ptr& fileEntry);
 
 // The value under key of the JSON object in json, as text: a string as itself, a number in
 // decimal, an object or array as its JSON text. Empty when json is empty or has no such key.

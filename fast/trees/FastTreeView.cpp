@@ -6,7 +6,6 @@
 #include <fast/trees/FastTreeModel.h>
 #include <fast/trees/TreeRoles.h>
 
-#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -177,10 +176,10 @@ int FastTreeView::sizeHintForColumn(int column) const
 
 void FastTreeView::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
-    // Children take their parent's stripe, so a volume and its rows read as one block.
+    // Children take their parent's stripe, so a volume and its rows read as one block. The
+    // view's palette, which the delegates pick their icons by: a host may set one on its dock alone.
     const int row = index.parent().isValid() ? index.parent().row() : index.row();
-    const QPalette palette = QApplication::palette();
-    painter->fillRect(option.rect, palette.color(row % 2 == 1 ? QPalette::AlternateBase : QPalette::Base));
+    painter->fillRect(option.rect, option.palette.color(row % 2 == 1 ? QPalette::AlternateBase : QPalette::Base));
     QTreeView::drawRow(painter, option, index);
 }
 

@@ -46,6 +46,21 @@ if(installed)
   message(FATAL_ERROR "private headers installed: ${installed}")
 endif()
 file(GLOB_RECURSE installed RELATIVE "${WORK_DIR}/prefix/${INCLUDE_DIR}" "${WORK_DIR}/prefix/${INCLUDE_DIR}/*.h")
+
+# A host needs no more than the package says: POCO stays inside the library (no installed header
+# includes it, the package neither finds nor links it), and the target brings the C++ standard
+# its headers need, since the consumer sets none.
+file(GLOB_RECURSE package_files "${WORK_DIR}/prefix/*.h" "${WORK_DIR}/prefix/*.cmake")
+set(package_text "")
+foreach(file IN LISTS package_files)
+  file(READ "${file}" text)
+  string(APPEND package_text "${text}")
+endforeach()
+if(package_text MATCHES "(#include <|INTERFACE_LINK_LIBRARIES \"[^\"]*|find_dependency\\()Poco"
+   OR NOT package_text MATCHES "INTERFACE_COMPILE_FEATURES \"cxx_std_17\"")
+  message(FATAL_ERROR "the installed package asks a host for POCO, or does not bring C++17")
+endif()
+
 set(every_header "// Written by the package test: every installed header, each included once.\n")
 foreach(header IN LISTS installed)
   string(APPEND every_header "#include <${header}>\n")
