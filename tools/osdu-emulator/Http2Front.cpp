@@ -1,5 +1,6 @@
 #include "Http2Front.h"
 
+#include <Poco/Net/IPAddress.h>
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/Net/SocketAddress.h>
 #include <Poco/Net/StreamSocket.h>
@@ -19,15 +20,16 @@ namespace {
 
 constexpr int kListenWaitMs = 10000;
 
-unsigned short freePort()
+unsigned short freePort(const Poco::Net::IPAddress& address)
 {
-    Poco::Net::ServerSocket socket(Poco::Net::SocketAddress("127.0.0.1", 0));
+    Poco::Net::ServerSocket socket(Poco::Net::SocketAddress(address, 0));
     return socket.address().port();
 }
 
 } // namespace
 
-Http2Front::Http2Front(unsigned short backendPort) : m_backendPort(backendPort)
+Http2Front::Http2Front(unsigned short backendPort, std::string host)
+    : m_backendPort(backendPort), m_host(std::move(host))
 {
 }
 
@@ -49,6 +51,17 @@ std::string Http2Front::certificateFile() const
 
 bool Http2Front::start()
 {
+    Poco::Net::IPAddress address;
+    const bool named = !Poco::Net::IPAddress::tryParse(m_host, address);
+    try {
+        // Given a name, nghttpx wants an IPv6 address for it too, which a name from /etc/hosts
+        // seldom has; clients try each address the name has until one answers.
+        if (named)
+            address = Poco::Net::SocketAddress(m_host, 0).host();
+    } catch (const Poco::Exception& failure) {
+        m_failure = "the name " + m_host + " does not resolve to an address: " + failure.displayText();
+        return false;
+    }
     try {
         m_folder = std::make_unique<Poco::TemporaryFile>();
         m_folder->createDirectories();
@@ -58,12 +71,13 @@ bool Http2Front::start()
         std::ofstream(configuration).flush();
         // What openssl says along the way is of no interest; whether it made the files is.
         Poco::Pipe said;
-        Poco::ProcessHandle openssl = Poco::Process::launch("openssl",
-                                                            {"req", "-x509", "-newkey", "ec", "-pkeyopt",
-                                                             "ec_paramgen_curve:prime256v1", "-nodes", "-keyout", key,
-                                                             "-out", certificateFile(), "-days", "1", "-subj",
-                                                             "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1"},
-                                                            nullptr, &said, &said);
+        Poco::ProcessHandle openssl =
+            Poco::Process::launch("openssl",
+                                  {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
+                                   "-nodes", "-keyout", key, "-out", certificateFile(), "-days", "1", "-subj",
+                                   "/CN=" + m_host, "-addext",
+                                   std::string("subjectAltName=") + (named ? "DNS:" : "IP:") + m_host},
+                                  nullptr, &said, &said);
         Poco::PipeInputStream saidStream(said);
         std::string ignored;
         Poco::StreamCopier::copyToString(saidStream, ignored);
@@ -72,18 +86,18 @@ bool Http2Front::start()
             return false;
         }
         // Taken back from the system just before nghttpx binds it: nobody else asks for it meanwhile.
-        m_port = freePort();
+        m_port = freePort(address);
         const std::string backend = std::to_string(m_backendPort);
         m_process = std::make_unique<Poco::ProcessHandle>(
-            Poco::Process::launch("nghttpx",
-                                  {"--conf=" + configuration, "--frontend=127.0.0.1," + std::to_string(m_port),
-                                   "--backend=127.0.0.1," + backend, "--backend-connections-per-host=100",
-                                   "--workers=1", "--no-ocsp",
-                                   "--errorlog-file=" + Poco::Path(m_folder->path(), "error.log").toString(), key,
-                                   certificateFile()}));
+            Poco::Process::launch("nghttpx", {"--conf=" + configuration,
+                                              "--frontend=" + address.toString() + "," + std::to_string(m_port),
+                                              "--backend=127.0.0.1," + backend, "--backend-connections-per-host=100",
+                                              "--workers=1", "--no-ocsp",
+                                              "--errorlog-file=" + Poco::Path(m_folder->path(), "error.log").toString(),
+                                              key, certificateFile()}));
         for (int waited = 0; waited < kListenWaitMs; waited += 20) {
             try {
-                Poco::Net::StreamSocket probe(Poco::Net::SocketAddress("127.0.0.1", m_port));
+                Poco::Net::StreamSocket probe(Poco::Net::SocketAddress(address, m_port));
                 return true;
             } catch (const Poco::Exception&) {
                 if (!Poco::Process::isRunning(*m_process))
@@ -91,7 +105,7 @@ bool Http2Front::start()
                 Poco::Thread::sleep(20);
             }
         }
-        m_failure = "nghttpx did not listen on port " + std::to_string(m_port);
+        m_failure = "nghttpx did not listen on " + address.toString() + " port " + std::to_string(m_port);
     } catch (const Poco::Exception& failure) {
         m_failure = "nghttpx could not be started: " + failure.displayText();
     }

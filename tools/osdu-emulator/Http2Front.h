@@ -10,13 +10,14 @@ class TemporaryFile;
 
 namespace emulator {
 
-// nghttpx on 127.0.0.1 before a loopback HTTP/1.1 server: HTTP/2 over TLS to its clients, with
-// a certificate made for this front alone, which clients trust through certificateFile(). For
-// tests and benchmarks of clients that multiplex.
+// nghttpx before a loopback HTTP/1.1 server: HTTP/2 over TLS to its clients, with a certificate
+// made for this front alone, which clients trust through certificateFile(). For tests and
+// benchmarks of clients that multiplex. Clients reach it under host, an address or a name of this
+// machine: it listens on the address the name stands for, and its certificate carries the name.
 class Http2Front
 {
 public:
-    explicit Http2Front(unsigned short backendPort);
+    explicit Http2Front(unsigned short backendPort, std::string host = "127.0.0.1");
     ~Http2Front();
     Http2Front(const Http2Front&) = delete;
     Http2Front& operator=(const Http2Front&) = delete;
@@ -25,11 +26,12 @@ public:
     // failure(), when any of it did not work.
     bool start();
     const std::string& failure() const { return m_failure; }
-    std::string baseUrl() const { return "https://127.0.0.1:" + std::to_string(m_port); }
+    std::string baseUrl() const { return "https://" + m_host + ":" + std::to_string(m_port); }
     std::string certificateFile() const;
 
 private:
     unsigned short m_backendPort;
+    std::string m_host;
     unsigned short m_port = 0;
     std::unique_ptr<Poco::TemporaryFile> m_folder;
     std::unique_ptr<Poco::ProcessHandle> m_process;
