@@ -107,8 +107,8 @@ CurlResponse OsduHttpClient::send(bool post, const std::string& path, const std:
     std::unique_ptr<CurlSession> session = takeSession();
     CurlResponse response;
     try {
+        std::uint64_t ticket = governor ? governor->enter() : 1;
         for (int attempt = 1;; ++attempt) {
-            const std::uint64_t ticket = governor ? governor->enter() : 1;
             if (ticket == 0) {
                 response = CurlResponse();
                 response.error = governor->cancelled() ? "the search was cancelled" : "the search took too long";
@@ -121,19 +121,29 @@ CurlResponse OsduHttpClient::send(bool post, const std::string& path, const std:
                     governor->leave(ticket, 0);
                 throw;
             }
-            if (governor)
-                governor->leave(ticket, response.statusCode);
-            if (!worthRetrying(response) || attempt == kMostAttempts)
+            const bool retry = worthRetrying(response) && attempt < kMostAttempts;
+            const std::chrono::milliseconds wait = retry ? retryWait(response, attempt) : std::chrono::milliseconds(0);
+            if (!retry || (governor && RequestGovernor::Clock::now() + wait > governor->deadline())) {
+                if (governor)
+                    governor->leave(ticket, response.statusCode);
                 break;
-            const std::chrono::milliseconds wait = retryWait(response, attempt);
-            if (governor && RequestGovernor::Clock::now() + wait > governor->deadline())
-                break;
+            }
             if (governor && governor->onRetry)
                 governor->onRetry({path, attempt, kMostAttempts, response.statusCode, static_cast<long>(wait.count())});
-            if (!governor)
+            if (!governor) {
                 std::this_thread::sleep_for(wait);
-            else if (!governor->pause(wait))
+                continue;
+            }
+            // Asked back at once, the request keeps its place rather than queue behind the
+            // requests that have not been tried yet.
+            if (wait.count() == 0) {
+                ticket = governor->again(ticket, response.statusCode);
+                continue;
+            }
+            governor->leave(ticket, response.statusCode);
+            if (!governor->pause(wait))
                 break;
+            ticket = governor->enter();
         }
     } catch (...) {
         giveBack(std::move(session));

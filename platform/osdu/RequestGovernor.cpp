@@ -54,16 +54,35 @@ void RequestGovernor::leave(std::uint64_t ticket, int status)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         --m_inFlight;
-        if (status == 429) {
-            if (ticket > m_lastCutAt) {
-                m_limit = std::max(1, m_limit / 2);
-                m_lastCutAt = m_nextTicket - 1;
-            }
-        } else if (status >= 200 && status < 300 && m_limit < m_most) {
-            ++m_limit;
-        }
+        note(ticket, status);
     }
     m_changed.notify_all();
+}
+
+std::uint64_t RequestGovernor::again(std::uint64_t ticket, int status)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        note(ticket, status);
+        // The same ticket: turned away again, it is still of the round that was cut.
+        if (!m_cancelled && Clock::now() < m_deadline)
+            return ticket;
+        --m_inFlight;
+    }
+    m_changed.notify_all();
+    return 0;
+}
+
+void RequestGovernor::note(std::uint64_t ticket, int status)
+{
+    if (status == 429) {
+        if (ticket > m_lastCutAt) {
+            m_limit = std::max(1, m_limit / 2);
+            m_lastCutAt = m_nextTicket - 1;
+        }
+    } else if (status >= 200 && status < 300 && m_limit < m_most) {
+        ++m_limit;
+    }
 }
 
 bool RequestGovernor::pause(std::chrono::milliseconds delay)

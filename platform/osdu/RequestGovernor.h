@@ -49,6 +49,9 @@ public:
     // The request's answer. Only the first overload answer of those sent since the last cut
     // halves the limit again: the platform tells every request in flight at once.
     void leave(std::uint64_t ticket, int status);
+    // The request's answer, when the platform asks for it again at once: it keeps its place in
+    // flight and goes out again before anything waiting for a turn. Its ticket, or 0 as enter.
+    std::uint64_t again(std::uint64_t ticket, int status);
     // Waits before a retry; false when cancelled, or when the deadline comes first.
     bool pause(std::chrono::milliseconds delay);
 
@@ -56,6 +59,8 @@ public:
     std::function<void(const RetryNote&)> onRetry;
 
 private:
+    void note(std::uint64_t ticket, int status);
+
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     const Clock::time_point m_deadline;
