@@ -5,8 +5,10 @@ set(FASTPANEL_GENERATED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
 # Warnings on for our own code; a warning is a bug to fix, not to silence.
 function(fastpanel_warnings target)
   if(MSVC)
-    # Sources are UTF-8 (the user-facing texts carry "™").
-    target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 $<$<BOOL:${FASTPANEL_WERROR}>:/WX>)
+    # Sources are UTF-8 (the user-facing texts carry "™"); __cplusplus tells the standard truly,
+    # as Qt's headers expect.
+    target_compile_options(${target} PRIVATE /W4 /permissive- /Zc:__cplusplus /utf-8
+                                             $<$<BOOL:${FASTPANEL_WERROR}>:/WX>)
   else()
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic $<$<BOOL:${FASTPANEL_WERROR}>:-Werror>)
   endif()
@@ -28,6 +30,13 @@ function(fastpanel_shared_library target)
   generate_export_header(${target}
     BASE_NAME ${upper}
     EXPORT_FILE_NAME "${FASTPANEL_GENERATED_INCLUDE_DIR}/${ARG_PREFIX}/${target}_export.h")
+  # MSVC warns (C4251, C4275) that an exported class holds members of std:: or template types, or
+  # derives from a class that is not exported. That matters only when host and library differ in
+  # compiler or runtime, which a C++ interface rules out anyway (README, "Windows"), so libraries
+  # with such interfaces switch it off. Public, so that a host including our headers is spared it.
+  if(MSVC)
+    target_compile_options(${target} PUBLIC /wd4251 /wd4275)
+  endif()
   target_include_directories(${target} PUBLIC
     "$<BUILD_INTERFACE:${ARG_ROOT}>"
     "$<BUILD_INTERFACE:${FASTPANEL_GENERATED_INCLUDE_DIR}>"
