@@ -12,6 +12,15 @@ function(fastpanel_warnings target)
   endif()
 endfunction()
 
+# <prefix>/<target>_export.h in the generated include root. tools/lint/windows generates the same
+# headers for a Windows target, so the settings live here once.
+function(fastpanel_export_header target prefix)
+  string(TOUPPER "${target}" upper)
+  generate_export_header(${target}
+    BASE_NAME ${upper}
+    EXPORT_FILE_NAME "${FASTPANEL_GENERATED_INCLUDE_DIR}/${prefix}/${target}_export.h")
+endfunction()
+
 # A shared library of the tree: export header at <prefix>/<name>_export.h, include roots for
 # the build tree and the install tree, version and install rules.
 #   fastpanel_shared_library(<target> PREFIX <include-prefix> ROOT <source-include-root>
@@ -24,10 +33,7 @@ function(fastpanel_shared_library target)
   if(NOT ARG_PUBLIC_HEADERS)
     message(FATAL_ERROR "fastpanel_shared_library(${target}): name its PUBLIC_HEADERS")
   endif()
-  string(TOUPPER "${target}" upper)
-  generate_export_header(${target}
-    BASE_NAME ${upper}
-    EXPORT_FILE_NAME "${FASTPANEL_GENERATED_INCLUDE_DIR}/${ARG_PREFIX}/${target}_export.h")
+  fastpanel_export_header(${target} ${ARG_PREFIX})
   target_include_directories(${target} PUBLIC
     "$<BUILD_INTERFACE:${ARG_ROOT}>"
     "$<BUILD_INTERFACE:${FASTPANEL_GENERATED_INCLUDE_DIR}>"
