@@ -14,6 +14,15 @@ function(fastpanel_warnings target)
   endif()
 endfunction()
 
+# <prefix>/<target>_export.h in the generated include root. tools/lint/windows generates the same
+# headers for a Windows target, so the settings live here once.
+function(fastpanel_export_header target prefix)
+  string(TOUPPER "${target}" upper)
+  generate_export_header(${target}
+    BASE_NAME ${upper}
+    EXPORT_FILE_NAME "${FASTPANEL_GENERATED_INCLUDE_DIR}/${prefix}/${target}_export.h")
+endfunction()
+
 # A shared library of the tree: export header at <prefix>/<name>_export.h, include roots for
 # the build tree and the install tree, version and install rules.
 #   fastpanel_shared_library(<target> PREFIX <include-prefix> ROOT <source-include-root>
@@ -26,10 +35,7 @@ function(fastpanel_shared_library target)
   if(NOT ARG_PUBLIC_HEADERS)
     message(FATAL_ERROR "fastpanel_shared_library(${target}): name its PUBLIC_HEADERS")
   endif()
-  string(TOUPPER "${target}" upper)
-  generate_export_header(${target}
-    BASE_NAME ${upper}
-    EXPORT_FILE_NAME "${FASTPANEL_GENERATED_INCLUDE_DIR}/${ARG_PREFIX}/${target}_export.h")
+  fastpanel_export_header(${target} ${ARG_PREFIX})
   # MSVC warns (C4251, C4275) that an exported class holds members of std:: or template types, or
   # derives from a class that is not exported. That matters only when host and library differ in
   # compiler or runtime, which a C++ interface rules out anyway (README, "Windows"), so libraries

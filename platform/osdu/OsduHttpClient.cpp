@@ -6,6 +6,11 @@
 #include "CurlMultiplexer_p.h"
 #include "TransportSecurity_p.h"
 
+// On Windows curl.h includes windows.h, whose min and max macros would swallow std::min and
+// std::max below.
+#if defined(_WIN32) && !defined(NOMINMAX)
+#define NOMINMAX
+#endif
 #include <curl/curl.h>
 
 #include <algorithm>
