@@ -63,7 +63,11 @@ void CheckConnectionToFastWorker::waitForNextPoll()
         const auto now = std::chrono::steady_clock::now();
         if (now >= due)
             return;
-        m_stopAsked.wait_for(lock, std::min<std::chrono::steady_clock::duration>(due - now, kInterruptionCheck));
+        // Only a thread of its own can be interrupted, which wakes nobody: then it looks now and
+        // then; otherwise it sleeps until the poll is due or stop() wakes it.
+        const std::chrono::steady_clock::duration left = due - now;
+        m_stopAsked.wait_for(lock,
+                             own ? std::min<std::chrono::steady_clock::duration>(left, kInterruptionCheck) : left);
     }
 }
 
