@@ -15,6 +15,7 @@
 #include <fast/osdu/OsduTreeItem.h>
 #include <fast/osdu/OsduTreeModel.h>
 #include <fast/osdu/SearchInput.h>
+#include <fast/panel/BackgroundWork.h>
 #include <fast/panel/CheckConnectionToFastWorker.h>
 #include <fast/panel/ControlNames.h>
 #include <fast/panel/FastTabWidget.h>

@@ -215,6 +215,18 @@ private Q_SLOTS:
         QVERIFY2(body.contains(linkPath) && body.contains(subvolume), qPrintable(body));
     }
 
+    void closingTheDialogDuringTheRenameEndsIt()
+    {
+        emulator::EmulatorOptions options;
+        options.linkDelayMs = 60000;
+        FastEmulatorFixture fixture(options);
+        auto session = std::make_unique<MountSession>(fixture);
+        session->save("cube");
+        QVERIFY(!fast::waitForBackgroundWork(0)); // the rename waits for the link, for up to 10 s
+        session.reset();
+        QVERIFY(fast::waitForBackgroundWork(3000));
+    }
+
     // The link's move waits only for a file that is missing or held; a refusal is not tried again.
     void linkMoveRetriesOnlyWhileTheFileIsHeld_data()
     {

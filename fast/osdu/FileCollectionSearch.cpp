@@ -116,6 +116,10 @@ public:
                 outcomes.publish(i, std::move(outcome));
             }
         };
+        // Threads of this search's own rather than the library's pool, which runs the search
+        // itself: a search waiting for fetches queued in the pool behind other searches could
+        // wait for ever. Joined below, so they end before the search does and a host waiting for
+        // the library's work waits for them too; a cancel ends them within about a second.
         std::vector<std::thread> threads;
         threads.reserve(workers > 1 ? workers : 0);
         for (std::size_t t = 0; workers > 1 && t < workers; ++t)

@@ -3,6 +3,7 @@
 #include <fast/osdu/FileCollectionSearch.h>
 #include <fast/osdu/OsduFastInitializer.h>
 #include <fast/osdu/OsduSettingsKeys.h>
+#include <fast/panel/BackgroundWork_p.h>
 #include <fast/panel/PanelMessages_p.h>
 
 #include <osdu/OsduAuthProvider.h>
@@ -11,17 +12,8 @@
 
 #include <QStyle>
 #include <QStyleOptionFrame>
-#include <QThread>
-
-#include <atomic>
 
 namespace fast {
-
-namespace {
-
-std::atomic<int> searchThreads{0};
-
-} // namespace
 
 SearchInput::SearchInput(QWidget* parent) : QLineEdit(parent)
 {
@@ -66,27 +58,23 @@ void SearchInput::search()
     }
     // Read here, once: the box belongs to the GUI thread.
     const std::string filter = text().toStdString();
-    // The worker only fills this; the box reads it once the thread has finished.
+    // The worker only fills this; the box reads it once the search has ended.
     auto found = std::make_shared<std::shared_ptr<osdu::StorageRecordCollection>>();
-    ++searchThreads;
-    QThread* worker = QThread::create([search = m_search, provider, filter, found, run = m_run] {
-        // Counted down however the search ends.
-        const std::shared_ptr<void> ended(nullptr, [](void*) { --searchThreads; });
+    const auto searching = [search = m_search, provider, filter, found, run = m_run] {
         try {
             search->performSearch(
                 provider->getProviderName(), filter,
                 [found](std::shared_ptr<osdu::StorageRecordCollection> results) { *found = std::move(results); }, *run);
         } catch (const std::exception& failure) {
-            // An exception leaving a thread ends the host's process.
             trace(QString("Unable to search the OSDU platform: %1").arg(exceptionText(failure)));
         }
-    });
+    };
     // Delivered on this box's thread and only while the box lives: when the panel is closed
-    // during a search, the late results are dropped with the queued call.
-    connect(worker, &QThread::finished, this,
-            [this, found] { m_resultsCallback(*found ? *found : std::make_shared<osdu::StorageRecordCollection>()); });
-    connect(worker, &QThread::finished, worker, &QObject::deleteLater);
-    worker->start(QThread::InheritPriority);
+    // during a search, the destructor cancels it and the late results are dropped with the
+    // queued call.
+    startInBackground(searching, this, [this, found] {
+        m_resultsCallback(*found ? *found : std::make_shared<osdu::StorageRecordCollection>());
+    });
 }
 
 QSize SearchInput::sizeHint() const
@@ -105,11 +93,6 @@ QSize SearchInput::sizeHint() const
     const QSize wanted = style()->sizeFromContents(QStyle::CT_LineEdit, &option, QSize(width, hint.height()), this);
     hint.setWidth(std::max(hint.width(), wanted.width()));
     return hint;
-}
-
-int SearchInput::runningSearches()
-{
-    return searchThreads.load();
 }
 
 } // namespace fast

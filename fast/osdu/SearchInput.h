@@ -18,7 +18,7 @@ namespace fast {
 class FileCollectionSearch;
 class SearchRun;
 
-// The filter box of the OSDU page. It runs each search on a thread of its own and hands the
+// The filter box of the OSDU page. It runs each search on a thread of the library's and hands the
 // matches back through searchDone on its own thread, once the search has ended; a box deleted
 // in the meantime drops them.
 class FASTPANEL_EXPORT SearchInput : public QLineEdit
@@ -40,9 +40,6 @@ public:
     void cancel();
     // Room for the whole placeholder, which tells the user what the box does.
     QSize sizeHint() const override;
-    // Searches of every box whose threads have not ended yet, closed boxes' included: a host
-    // that unloads the library waits for none to be left.
-    static int runningSearches();
 
 Q_SIGNALS:
     void searchDone(std::shared_ptr<osdu::StorageRecordCollection> results);

@@ -5,9 +5,18 @@
 
 #include <QThread>
 
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace fast {
+
+namespace {
+
+// How often the wait looks at the thread's interruption request, which wakes nobody.
+constexpr std::chrono::milliseconds kInterruptionCheck{100};
+
+} // namespace
 
 CheckConnectionToFastWorker::CheckConnectionToFastWorker(std::shared_ptr<Fast> fast, QObject* parent)
     : QObject(parent), m_fast(std::move(fast))
@@ -19,12 +28,46 @@ CheckConnectionToFastWorker::~CheckConnectionToFastWorker() = default;
 void CheckConnectionToFastWorker::run()
 {
     for (;;) {
-        if (thread()->isInterruptionRequested() || !m_fast) {
+        if (stopRequested() || !m_fast) {
             Q_EMIT heartBeat();
             return;
         }
         poll();
-        QThread::msleep(PollIntervalMs);
+        waitForNextPoll();
+    }
+}
+
+void CheckConnectionToFastWorker::stop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_stopMutex);
+        m_stopRequested = true;
+    }
+    m_stopAsked.notify_all();
+}
+
+bool CheckConnectionToFastWorker::stopRequested()
+{
+    // The worker may belong to no thread at all, as on the library's own threads.
+    const QThread* own = thread();
+    const std::lock_guard<std::mutex> lock(m_stopMutex);
+    return m_stopRequested || (own && own->isInterruptionRequested());
+}
+
+void CheckConnectionToFastWorker::waitForNextPoll()
+{
+    const auto due = std::chrono::steady_clock::now() + std::chrono::milliseconds(PollIntervalMs);
+    const QThread* own = thread();
+    std::unique_lock<std::mutex> lock(m_stopMutex);
+    while (!m_stopRequested && !(own && own->isInterruptionRequested())) {
+        const auto now = std::chrono::steady_clock::now();
+        if (now >= due)
+            return;
+        // Only a thread of its own can be interrupted, which wakes nobody: then it looks now and
+        // then; otherwise it sleeps until the poll is due or stop() wakes it.
+        const std::chrono::steady_clock::duration left = due - now;
+        m_stopAsked.wait_for(lock,
+                             own ? std::min<std::chrono::steady_clock::duration>(left, kInterruptionCheck) : left);
     }
 }
 

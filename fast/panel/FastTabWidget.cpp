@@ -1,6 +1,7 @@
 #include <fast/panel/FastTabWidget.h>
 
 #include <fast/client/Fast.h>
+#include <fast/panel/BackgroundWork_p.h>
 #include <fast/panel/CheckConnectionToFastWorker.h>
 #include <fast/panel/ControlNames.h>
 #include <fast/panel/OsduWidget.h>
@@ -17,7 +18,6 @@
 #include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
-#include <QThread>
 
 namespace fast {
 
@@ -71,21 +71,18 @@ FastTabWidget::FastTabWidget(const QString& projectPath, QWidget* parent) : QWid
     auto* watcher = new QFileSystemWatcher(QStringList{projectPath}, this);
     connect(watcher, &QFileSystemWatcher::directoryChanged, this, &FastTabWidget::updateProjectBrowser);
 
-    // The worker and its thread end by themselves once asked to stop; see the destructor.
-    m_thread = new QThread(nullptr);
-    auto* worker = new CheckConnectionToFastWorker(fast);
-    connect(m_thread, &QThread::started, worker, &CheckConnectionToFastWorker::run);
-    connect(worker, &CheckConnectionToFastWorker::workFinished, this, &FastTabWidget::updateStatus);
-    connect(worker, &CheckConnectionToFastWorker::heartBeat, worker, &QObject::deleteLater);
-    connect(worker, &CheckConnectionToFastWorker::heartBeat, m_thread, &QThread::quit);
-    connect(m_thread, &QThread::finished, m_thread, &QObject::deleteLater);
-    worker->moveToThread(m_thread);
-    m_thread->start(QThread::InheritPriority);
+    // The worker ends by itself once asked to stop; see the destructor. Its results reach the
+    // panel queued, and Qt drops those still queued when the panel goes.
+    m_worker = std::make_shared<CheckConnectionToFastWorker>(fast);
+    connect(m_worker.get(), &CheckConnectionToFastWorker::workFinished, this, &FastTabWidget::updateStatus);
+    // Run and deleted on a thread of the library's, which has no event loop: it belongs to none.
+    m_worker->moveToThread(nullptr);
+    startInBackground([worker = m_worker] { worker->run(); });
 }
 
 FastTabWidget::~FastTabWidget()
 {
-    m_thread->requestInterruption();
+    m_worker->stop();
 }
 
 void FastTabWidget::fillTrees(const QSet<QString>& localProjectFiles, const QSet<QString>& cloudProjectFiles)

@@ -9,11 +9,14 @@
 #include <QString>
 #include <QWidget>
 
+#include <memory>
+
 class QLabel;
 class QTabWidget;
-class QThread;
 
 namespace fast {
+
+class CheckConnectionToFastWorker;
 
 // The panel the host docks: its one entry point into the library. Three pages (the OSDU
 // Data Platform browser, local VDS files, cloud VDS files), a status line telling whether FAST
@@ -25,7 +28,7 @@ class FASTPANEL_EXPORT FastTabWidget : public QWidget
 public:
     // Starts polling FAST at once; projectPath is the host project's folder, watched for changes.
     explicit FastTabWidget(const QString& projectPath, QWidget* parent = nullptr);
-    // Returns at once: the worker ends by itself within a polling period.
+    // Returns at once: the worker ends by itself right after, or after the poll under way.
     ~FastTabWidget() override;
 
     // The local page lists from localProjectFiles, the cloud page from cloudProjectFiles.
@@ -56,7 +59,8 @@ private:
     QTabWidget* m_tabWidget = nullptr;
     QLabel* m_statusLabel = nullptr;
     bool m_connected = false;
-    QThread* m_thread = nullptr;
+    // Shared with its thread, which deletes it once the loop has ended after the panel.
+    std::shared_ptr<CheckConnectionToFastWorker> m_worker;
 };
 
 } // namespace fast

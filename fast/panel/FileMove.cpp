@@ -72,7 +72,7 @@ MoveAttempt moveFileOnce(const QString& source, const QString& target)
 #endif
 
 bool moveFileWhenFree(const QString& source, const QString& target, std::chrono::milliseconds patience,
-                      const FileMover& attempt)
+                      const FileMover& attempt, const std::function<bool()>& abandoned)
 {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     for (;;) {
@@ -84,7 +84,7 @@ bool moveFileWhenFree(const QString& source, const QString& target, std::chrono:
         case MoveAttempt::NotYet:
             break;
         }
-        if (std::chrono::steady_clock::now() >= deadline)
+        if (std::chrono::steady_clock::now() >= deadline || (abandoned && abandoned()))
             return false;
         std::this_thread::sleep_for(kRetryInterval);
     }

@@ -26,9 +26,11 @@ using FileMover = std::function<MoveAttempt(const QString& source, const QString
 // the source itself under another case where the file system is case-blind.
 FASTPANEL_EXPORT MoveAttempt moveFileOnce(const QString& source, const QString& target);
 
-// Tries attempt every 10 ms while it answers NotYet, for at most patience by the clock; true once
-// moved. The attempt is a parameter so that a file held by another program can be played.
+// Tries attempt every 10 ms while it answers NotYet, for at most patience by the clock and until
+// abandoned (when given) says so; true once moved. The attempt is a parameter so that a file held
+// by another program can be played.
 FASTPANEL_EXPORT bool moveFileWhenFree(const QString& source, const QString& target, std::chrono::milliseconds patience,
-                                       const FileMover& attempt = moveFileOnce);
+                                       const FileMover& attempt = moveFileOnce,
+                                       const std::function<bool()>& abandoned = {});
 
 } // namespace fast

@@ -3,6 +3,7 @@
 #include <fast/client/Fast.h>
 #include <fast/client/VdsDescriptorParser.h>
 #include <fast/client/VirtualDrive.h>
+#include <fast/panel/BackgroundWork_p.h>
 #include <fast/panel/ControlNames.h>
 #include <fast/panel/FileMove_p.h>
 #include <fast/panel/PanelMessages_p.h>
@@ -25,7 +26,6 @@
 #include <QPalette>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QThread>
 
 #include <cctype>
 #include <charconv>
@@ -134,7 +134,11 @@ MountNewVolume::MountNewVolume(const std::shared_ptr<Fast>& fast, const std::str
     m_fileNameEdit->setFocus();
 }
 
-MountNewVolume::~MountNewVolume() = default;
+MountNewVolume::~MountNewVolume()
+{
+    // Nobody is left to report the rename to; a host may be waiting to free the library.
+    m_gone->store(true);
+}
 
 void MountNewVolume::reject()
 {
@@ -300,19 +304,16 @@ void MountNewVolume::renameLinkOnceWritten(const QFileInfo& link, const std::str
     const QString source = link.absoluteFilePath();
     const QString target = link.absolutePath() + QDir::separator() + link.completeBaseName();
     const auto renamed = std::make_shared<bool>(false);
-    QThread* renamer = QThread::create([source, target, renamed] {
+    const auto renaming = [source, target, renamed, gone = m_gone] {
         try {
-            *renamed = moveFileWhenFree(source, target, kRenamePatience);
+            *renamed = moveFileWhenFree(source, target, kRenamePatience, moveFileOnce, [gone] { return gone->load(); });
         } catch (...) {
             // Left unrenamed: the dialog undoes the mount and says so.
         }
-    });
+    };
     const QString fileName = link.completeBaseName();
-    connect(
-        renamer, &QThread::finished, this,
-        [this, renamed, fileId, fileName] { onRenameFinished(*renamed, fileId, fileName); }, Qt::QueuedConnection);
-    connect(renamer, &QThread::finished, renamer, &QObject::deleteLater);
-    renamer->start(QThread::InheritPriority);
+    startInBackground(renaming, this,
+                      [this, renamed, fileId, fileName] { onRenameFinished(*renamed, fileId, fileName); });
 }
 
 std::string MountNewVolume::mountedFileId(const std::string& name) const

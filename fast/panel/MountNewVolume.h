@@ -5,6 +5,7 @@
 
 #include <QDialog>
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -76,6 +77,8 @@ private:
     std::string m_vdsId;
     QString m_projectPath;
     bool m_mounting = false;
+    // Set when the dialog goes: the rename under way gives up after its current try.
+    std::shared_ptr<std::atomic<bool>> m_gone = std::make_shared<std::atomic<bool>>(false);
 
     QLabel* m_fileNameLabel = nullptr;
     QLineEdit* m_fileNameEdit = nullptr;
