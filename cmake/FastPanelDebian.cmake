@@ -4,6 +4,9 @@
 #   emulators    fastpanel-emulators  (the same for both Qts)    fast-emulator, osdu-emulator
 # Their dependencies on Debian's libraries come from dpkg-shlibdeps; the development package
 # also needs the -dev packages that the CMake package finds.
+# Our platform libraries install as components of their own (platform_runtime,
+# platform_development), so that they can be installed alone as the KorvanePlatform package; on
+# Debian they travel with the panel's, grouped into the same two packages.
 
 set(CPACK_PACKAGE_NAME "fastpanel${FASTPANEL_NAME_SUFFIX}")
 set(CPACK_PACKAGE_VENDOR "The FAST panel developers")
@@ -12,6 +15,14 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Panel that brings VDS volumes into a host
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
 set(CPACK_COMPONENTS_ALL runtime development emulators)
+if(FASTPANEL_PLATFORM STREQUAL "bundled")
+  list(APPEND CPACK_COMPONENTS_ALL platform_runtime platform_development)
+endif()
+foreach(component IN ITEMS runtime development)
+  string(TOUPPER ${component} group)
+  set(CPACK_COMPONENT_${group}_GROUP ${component})
+  set(CPACK_COMPONENT_PLATFORM_${group}_GROUP ${component})
+endforeach()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)

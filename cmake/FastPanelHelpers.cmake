@@ -26,12 +26,21 @@ endfunction()
 # A shared library of the tree: export header at <prefix>/<name>_export.h, include roots for
 # the build tree and the install tree, version and install rules.
 #   fastpanel_shared_library(<target> PREFIX <include-prefix> ROOT <source-include-root>
-#                            [EXPORT_NAME <name>] PUBLIC_HEADERS <header>...)
+#                            [EXPORT_NAME <name>] [PLATFORM] PUBLIC_HEADERS <header>...)
+# PLATFORM: one of our platform libraries, which install as a package of their own (export set
+# KorvanePlatformTargets, components platform_runtime and platform_development), the one a
+# host-mode build of the panel finds; the panel's are FastPanelTargets, runtime and development.
 # Only the PUBLIC_HEADERS (paths below <ROOT>/<PREFIX>) are installed: they are what a host may
 # include. The library's other headers end in _p.h and stay in the source tree; tests and
 # fuzzers reach them through the build tree's include root.
 function(fastpanel_shared_library target)
-  cmake_parse_arguments(ARG "" "PREFIX;ROOT;EXPORT_NAME" "PUBLIC_HEADERS" ${ARGN})
+  cmake_parse_arguments(ARG "PLATFORM" "PREFIX;ROOT;EXPORT_NAME" "PUBLIC_HEADERS" ${ARGN})
+  set(export FastPanelTargets)
+  set(component "")
+  if(ARG_PLATFORM)
+    set(export KorvanePlatformTargets)
+    set(component platform_)
+  endif()
   if(NOT ARG_PUBLIC_HEADERS)
     message(FATAL_ERROR "fastpanel_shared_library(${target}): name its PUBLIC_HEADERS")
   endif()
@@ -59,20 +68,21 @@ function(fastpanel_shared_library target)
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
   endif()
   fastpanel_warnings(${target})
-  install(TARGETS ${target} EXPORT FastPanelTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+  install(TARGETS ${target} EXPORT ${export}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component}runtime
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component}runtime
+      NAMELINK_COMPONENT ${component}development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component}development)
   foreach(header IN LISTS ARG_PUBLIC_HEADERS)
     if(header MATCHES "_p\\.h$")
       message(FATAL_ERROR "${target}: ${header} is private (_p.h) and cannot be installed")
     endif()
     get_filename_component(folder "${ARG_PREFIX}/${header}" DIRECTORY)
     install(FILES "${ARG_ROOT}/${ARG_PREFIX}/${header}" DESTINATION "${FASTPANEL_INSTALL_INCLUDEDIR}/${folder}"
-      COMPONENT development)
+      COMPONENT ${component}development)
   endforeach()
   install(FILES "${FASTPANEL_GENERATED_INCLUDE_DIR}/${ARG_PREFIX}/${target}_export.h"
-    DESTINATION "${FASTPANEL_INSTALL_INCLUDEDIR}/${ARG_PREFIX}" COMPONENT development)
+    DESTINATION "${FASTPANEL_INSTALL_INCLUDEDIR}/${ARG_PREFIX}" COMPONENT ${component}development)
 endfunction()
 
 # fastpanel_add_test(NAME <name> COMMAND <program-or-target> [args...]

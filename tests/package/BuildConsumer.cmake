@@ -99,12 +99,57 @@ set(consumer_flags "")
 if(SANITIZE)
   set(consumer_flags "-DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE}")
 endif()
-run(${CMAKE_COMMAND} -S "${CONSUMER_DIR}" -B "${WORK_DIR}/build" -G "${GENERATOR}"
-    "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix" "-DEVERY_HEADER_SOURCE=${WORK_DIR}/every_header.cpp"
-    "-DGUIDE_SOURCE=${WORK_DIR}/guide_snippets.cpp" "-DHOST_TEST_SOURCE=${WORK_DIR}/host_test.cpp"
-    "-DPACKAGE=${PACKAGE}"
-    ${consumer_flags})
-run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
-run("${WORK_DIR}/build/consumer")
-# The host's test starts the installed FAST emulator, as the guide shows.
-run("${WORK_DIR}/build/host_test")
+# build_and_run_consumer(<build-dir> <prefix-path> [cmake options...])
+function(build_and_run_consumer build prefix_path)
+  # Through an initial cache: run() would split a list of prefixes into arguments.
+  file(WRITE "${build}-prefixes.cmake" "set(CMAKE_PREFIX_PATH \"${prefix_path}\" CACHE STRING \"\")\n")
+  run(${CMAKE_COMMAND} -S "${CONSUMER_DIR}" -B "${build}" -G "${GENERATOR}" -C "${build}-prefixes.cmake"
+      "-DEVERY_HEADER_SOURCE=${WORK_DIR}/every_header.cpp"
+      "-DGUIDE_SOURCE=${WORK_DIR}/guide_snippets.cpp" "-DHOST_TEST_SOURCE=${WORK_DIR}/host_test.cpp"
+      "-DPACKAGE=${PACKAGE}"
+      ${consumer_flags} ${ARGN})
+  run(${CMAKE_COMMAND} --build "${build}")
+  run(${consumer_launcher} "${build}/consumer")
+  # The host's test starts the installed FAST emulator, as the guide shows.
+  run(${consumer_launcher} "${build}/host_test")
+endfunction()
+build_and_run_consumer("${WORK_DIR}/build" "${WORK_DIR}/prefix")
+
+if(DEBIAN_PACKAGES OR SANITIZE)
+  return()
+endif()
+
+# Host mode: our platform libraries installed alone stand in for the host's; the panel is built
+# against them as a host builds it (guide, "With the host's own libraries") into a prefix of its
+# own, and the same consumer runs with both prefixes (the emulators come from the full install).
+set(platform "${WORK_DIR}/platform")
+foreach(component IN ITEMS platform_runtime platform_development)
+  run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --component ${component} --prefix "${platform}")
+endforeach()
+file(GLOB_RECURSE panel_files "${platform}/*fastpanel*" "${platform}/*FastPanel*")
+if(panel_files OR NOT EXISTS "${platform}/${LIB_DIR}/cmake/${PLATFORM_PACKAGE}/${PLATFORM_PACKAGE}Config.cmake")
+  message(FATAL_ERROR "the platform components install no ${PLATFORM_PACKAGE} package, or more than it: ${panel_files}")
+endif()
+string(REPLACE "|" ";" host_build_options "${HOST_BUILD_OPTIONS}")
+run(${CMAKE_COMMAND} -S "${SOURCE_DIR}" -B "${WORK_DIR}/host-mode" -G "${GENERATOR}" -DFASTPANEL_PLATFORM=host
+    "-DCMAKE_PREFIX_PATH=${platform}" ${host_build_options})
+run(${CMAKE_COMMAND} --build "${WORK_DIR}/host-mode")
+run(${CMAKE_COMMAND} --install "${WORK_DIR}/host-mode" --prefix "${WORK_DIR}/host-panel")
+file(GLOB_RECURSE bundled "${WORK_DIR}/host-panel/*korvane*" "${WORK_DIR}/host-panel/*osdu*"
+  "${WORK_DIR}/host-panel/*kvwidgets*" "${WORK_DIR}/host-panel/*Korvane*")
+if(bundled)
+  message(FATAL_ERROR "the host-mode panel installs platform files of its own: ${bundled}")
+endif()
+# The installed panel finds its platform libraries where the host's process finds its own, which
+# for these programs is the loader's path.
+set(consumer_launcher ${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${platform}/${LIB_DIR}")
+build_and_run_consumer("${WORK_DIR}/host-mode-consumer" "${WORK_DIR}/host-panel;${platform}"
+  "-DFastPanelEmulators_DIR=${WORK_DIR}/prefix/${LIB_DIR}/cmake/FastPanelEmulators")
+
+# The guide's list of the platform operations that the panel calls is the host-mode panel's.
+if(CMAKE_HOST_UNIX AND NOT CMAKE_HOST_APPLE)
+  file(GLOB panel_library "${WORK_DIR}/host-mode/fast/lib*.so")
+  file(GLOB platform_libraries "${platform}/${LIB_DIR}/lib*.so")
+  run("${PYTHON}" "${SOURCE_DIR}/tools/platform-operations/operations.py" --panel ${panel_library}
+      --platform ${platform_libraries} --check "${SOURCE_DIR}/docs/platform-operations.md")
+endif()
