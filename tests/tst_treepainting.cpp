@@ -278,7 +278,7 @@ private Q_SLOTS:
             QApplication::sendEvent(view.viewport(), &move);
             QCOMPARE(qobject_cast<fast::FastTreeDelegate*>(view.itemDelegate())->hoveredIndex(), cell);
             const QImage shot = view.viewport()->grab().toImage();
-            const QColor background = rows.color(row % 2 ? QPalette::AlternateBase : QPalette::Base);
+            const QColor& background = rows.color(row % 2 ? QPalette::AlternateBase : QPalette::Base);
             QCOMPARE(shot.pixelColor(view.visualRect(cell).topLeft()), background);
             const double share = shareThatStandsOut(shot, view.visualRect(cell), background);
             QVERIFY2(share >= 0.5,
