@@ -22,8 +22,8 @@ HERE = pathlib.Path(__file__).resolve().parent
 REGENERATE = ("python3 tools/platform-operations/operations.py --panel build/fast/libfastpanel.so "
               "--platform build/platform/*/lib*.so --write docs/platform-operations.md")
 # What the compiler and moc make for a class: given whenever the class is.
-CLASS_MADE = re.compile(r"^(?:(?:vtable|typeinfo|typeinfo name) for (?P<of>.+)"
-                        r"|(?P<owner>.+)::(?:staticMetaObject|qt_metacall|qt_metacast|metaObject))$")
+CLASS_MADE = re.compile(r"^(?P<owner>.+)::(?:staticMetaObject|qt_metacall|qt_metacast|metaObject)$")
+TYPE_DATA = re.compile(r"^(?:vtable|typeinfo|typeinfo name) for ")
 READABLE = [("std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >", "std::string"),
             ("std::chrono::duration<long, std::ratio<1l, 1000000000l> >", "std::chrono::nanoseconds")]
 
@@ -65,7 +65,7 @@ def is_given(operation, given):
     name = name_of(operation)
     made = CLASS_MADE.match(name)
     if made:
-        owner = made.group("of") or made.group("owner")
+        owner = made.group("owner")
         return any(entry == owner + "::*" or entry.startswith(owner + "::") for entry in given)
     owner = name.rpartition("::")[0]
     return name in given or (owner and owner + "::*" in given)
@@ -85,6 +85,9 @@ def operations(panel, platform, given):
         name = {"kvwidgets": "kvWidgets"}.get(name, name)
         provided = dynamic_symbols(library, "--defined-only") & needed
         names = demangle(sorted(provided))
+        # A class's type information comes with the class, and whether the panel refers to it
+        # depends on the compiler and Qt's casts, not on what the panel calls.
+        provided = {s for s in provided if not TYPE_DATA.match(names[s])}
         by_library[name] = sorted((readable(names[s]), not is_given(names[s], given)) for s in provided)
     return by_library
 
