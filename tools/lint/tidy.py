@@ -12,7 +12,6 @@ Prints clang-tidy's output for every unit whose file matches REGEX and exits 1 w
 """
 
 import argparse
-import concurrent.futures
 import hashlib
 import json
 import os
@@ -21,6 +20,8 @@ import re
 import shlex
 import subprocess
 import sys
+
+from pooled import run_pooled
 
 ROOT_MARK = "@ROOT@"
 
@@ -92,17 +93,8 @@ def main():
 
     with open(os.path.join(options.build, "compile_commands.json"), encoding="utf-8") as database:
         entries = [entry for entry in json.load(database) if re.search(options.regex, entry["file"])]
-    failed = False
-    remembered = 0
-    with concurrent.futures.ThreadPoolExecutor(max_workers=options.jobs) as pool:
-        for output, unit_failed, unit_remembered in pool.map(lambda e: tidy(e, options.build, root, cache, salt),
-                                                             entries):
-            sys.stdout.write(output)
-            failed = failed or unit_failed
-            remembered += unit_remembered
-    print(f"clang-tidy: {len(entries)} units, {remembered} of them unchanged since a run that {options.cache} "
-          "remembers", file=sys.stderr)
-    return 1 if failed else 0
+    return run_pooled("clang-tidy", entries, lambda e: tidy(e, options.build, root, cache, salt), options.jobs,
+                      options.cache)
 
 
 if __name__ == "__main__":

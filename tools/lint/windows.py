@@ -18,7 +18,6 @@ Prints the compiler's diagnostics and exits 1 when a unit failed.
 """
 
 import argparse
-import concurrent.futures
 import hashlib
 import json
 import os
@@ -27,6 +26,8 @@ import re
 import shlex
 import subprocess
 import sys
+
+from pooled import run_pooled
 
 COMPILER = "x86_64-w64-mingw32-g++-posix"
 ROOT_MARK = "@ROOT@"
@@ -163,17 +164,8 @@ def main():
     system = system_headers(host, pathlib.Path(options.exports, "system"))
     commands = [windows_command(entry, options.build, options.exports, system) for entry in entries]
 
-    failed = False
-    remembered = 0
-    with concurrent.futures.ThreadPoolExecutor(max_workers=options.jobs) as pool:
-        for output, unit_failed, unit_remembered in pool.map(lambda unit: check(*unit, system, root, cache, salt),
-                                                             zip(entries, commands)):
-            sys.stdout.write(output)
-            failed = failed or unit_failed
-            remembered += unit_remembered
-    print(f"windows: {len(entries)} units, {remembered} of them unchanged since a run that {options.cache} "
-          "remembers", file=sys.stderr)
-    return 1 if failed else 0
+    return run_pooled("windows", list(zip(entries, commands)),
+                      lambda unit: check(*unit, system, root, cache, salt), options.jobs, options.cache)
 
 
 if __name__ == "__main__":
