@@ -20,6 +20,7 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs)
         std::string name = run.benchmark_name();
         name = name.substr(0, std::min(name.find("/min_time:"), name.find("/iterations:")));
         m_secondsPerIteration[name] = run.real_accumulated_time / static_cast<double>(run.iterations);
+        m_counters[name] = run.counters;
     }
     ConsoleReporter::ReportRuns(runs);
 }
@@ -37,10 +38,21 @@ bool RatioReporter::printRatios() const
             continue;
         }
         const double value = absolute ? measured->second : measured->second / baseline->second;
-        const bool met = value <= ratio.goal;
-        allMet = allMet && met;
-        addToBenchSummary(ratio.label, value, ratio.goal);
-        std::printf("%-52s %8.2f %8.2f  %s\n", ratio.label.c_str(), value, ratio.goal, met ? "met" : "MISSED");
+        std::string verdict = ratio.goal <= 0 ? "no goal" : value <= ratio.goal ? "met" : "MISSED";
+        if (!ratio.mustBeNone.empty()) {
+            const benchmark::UserCounters& counters = m_counters.at(ratio.measured);
+            const auto counter = counters.find(ratio.mustBeNone);
+            const double left = counter == counters.end() ? 0.0 : static_cast<double>(counter->second);
+            if (left > 0) {
+                char note[64];
+                std::snprintf(note, sizeof note, "%s (%g %s)", ratio.goal <= 0 ? "no goal" : "MISSED", left,
+                              ratio.mustBeNone.c_str());
+                verdict = note;
+            }
+        }
+        allMet = allMet && verdict.rfind("MISSED", 0) != 0;
+        addToBenchSummary(ratio.label, value, ratio.goal, verdict);
+        std::printf("%-52s %8.2f %8.2f  %s\n", ratio.label.c_str(), value, ratio.goal, verdict.c_str());
     }
     return allMet;
 }

@@ -16,7 +16,8 @@ public:
         std::string label;
         std::string measured; // benchmark name
         std::string baseline; // benchmark name; empty: the goal is in seconds per iteration
-        double goal;
+        double goal;          // 0: no goal, measured for the record
+        std::string mustBeNone = {}; // a counter that the goal needs at 0, else shown
     };
 
     explicit RatioReporter(std::vector<Ratio> ratios);
@@ -28,6 +29,7 @@ public:
 private:
     std::vector<Ratio> m_ratios;
     std::map<std::string, double> m_secondsPerIteration;
+    std::map<std::string, benchmark::UserCounters> m_counters;
 };
 
 // Runs the registered benchmarks with the reporter; returns the program's exit code.

@@ -115,6 +115,7 @@ int main(int argc, char** argv)
     }
     std::printf("%-52s %8.1f %8.0f  %s\n", "VDS page init of 1,000 volumes (ms)", ms, kLargeInitGoalMs,
                 ms <= kLargeInitGoalMs ? "met" : "MISSED");
-    addToBenchSummary("VDS page init of 1,000 volumes (ms)", ms, kLargeInitGoalMs);
+    addToBenchSummary("VDS page init of 1,000 volumes (ms)", ms, kLargeInitGoalMs,
+                      ms <= kLargeInitGoalMs ? "met" : "MISSED");
     return status != 0 || ms > kLargeInitGoalMs ? 1 : 0;
 }

@@ -36,18 +36,17 @@ int CurlMultiplexer::perform(void* easy)
         return CURLE_ABORTED_BY_CALLBACK;
     m_arriving.push_back(&transfer);
     curl_multi_wakeup(m_multi);
-    m_finished.wait(lock, [&transfer] { return transfer.done; });
+    transfer.finished.wait(lock, [&transfer] { return transfer.done; });
     return transfer.result;
 }
 
 void CurlMultiplexer::finish(Transfer& transfer, int result)
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        transfer.result = result;
-        transfer.done = true;
-    }
-    m_finished.notify_all();
+    // Told under the lock: once done, the waiting thread may return and take the transfer away.
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    transfer.result = result;
+    transfer.done = true;
+    transfer.finished.notify_one();
 }
 
 void CurlMultiplexer::run()
@@ -99,9 +98,9 @@ void CurlMultiplexer::run()
     for (Transfer* transfer : m_arriving) {
         transfer->result = CURLE_ABORTED_BY_CALLBACK;
         transfer->done = true;
+        transfer->finished.notify_one();
     }
     m_arriving.clear();
-    m_finished.notify_all();
 }
 
 } // namespace osdu

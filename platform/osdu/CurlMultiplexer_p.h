@@ -35,6 +35,8 @@ private:
         void* easy = nullptr;
         int result = 0;
         bool done = false;
+        // Its own, so that an ended transfer wakes its thread alone, not every waiting one.
+        std::condition_variable finished;
     };
 
     void run();
@@ -42,7 +44,6 @@ private:
 
     void* m_multi = nullptr;
     std::mutex m_mutex;
-    std::condition_variable m_finished;
     std::deque<Transfer*> m_arriving;
     bool m_stopping = false;
     std::thread m_thread;
