@@ -131,8 +131,9 @@ if(panel_files OR NOT EXISTS "${platform}/${LIB_DIR}/cmake/${PLATFORM_PACKAGE}/$
   message(FATAL_ERROR "the platform components install no ${PLATFORM_PACKAGE} package, or more than it: ${panel_files}")
 endif()
 string(REPLACE "|" ";" host_build_options "${HOST_BUILD_OPTIONS}")
+# Its compile database gives the compiler's view of what the panel uses of the platform (below).
 run(${CMAKE_COMMAND} -S "${SOURCE_DIR}" -B "${WORK_DIR}/host-mode" -G "${GENERATOR}" -DFASTPANEL_PLATFORM=host
-    "-DCMAKE_PREFIX_PATH=${platform}" ${host_build_options})
+    "-DCMAKE_PREFIX_PATH=${platform}" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON ${host_build_options})
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/host-mode")
 run(${CMAKE_COMMAND} --install "${WORK_DIR}/host-mode" --prefix "${WORK_DIR}/host-panel")
 file(GLOB_RECURSE bundled "${WORK_DIR}/host-panel/*korvane*" "${WORK_DIR}/host-panel/*osdu*"
@@ -151,5 +152,7 @@ if(CMAKE_HOST_UNIX AND NOT CMAKE_HOST_APPLE)
   file(GLOB panel_library "${WORK_DIR}/host-mode/fast/lib*.so")
   file(GLOB platform_libraries "${platform}/${LIB_DIR}/lib*.so")
   run("${PYTHON}" "${SOURCE_DIR}/tools/platform-operations/operations.py" --panel ${panel_library}
-      --platform ${platform_libraries} --check "${SOURCE_DIR}/docs/platform-operations.md")
+      --platform ${platform_libraries} --sources "${WORK_DIR}/host-mode"
+      --panel-dir "${SOURCE_DIR}/fast" "${WORK_DIR}/host-mode/fast" --platform-include "${platform}/${INCLUDE_DIR}"
+      --check "${SOURCE_DIR}/docs/platform-operations.md")
 endif()
