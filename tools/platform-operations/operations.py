@@ -166,7 +166,7 @@ def main():
     sys.stdout.writelines(difflib.unified_diff(committed.splitlines(True), text.splitlines(True),
                                                str(args.check), "from the build"))
     print(f"\n{args.check} differs from the operations the panel calls. Save the diff above, from its"
-          X
+          f" '---' line, and apply it:\n  patch {args.check} < saved.diff")
     return 1
 
 
