@@ -14,9 +14,9 @@ public:
     struct Ratio
     {
         std::string label;
-        std::string measured; // benchmark name
-        std::string baseline; // benchmark name; empty: the goal is in seconds per iteration
-        double goal;          // 0: no goal, measured for the record
+        std::string measured;        // benchmark name
+        std::string baseline;        // benchmark name; empty: the goal is in seconds per iteration
+        double goal;                 // 0: no goal, measured for the record
         std::string mustBeNone = {}; // a counter that the goal needs at 0, else shown
     };
 
