@@ -438,6 +438,22 @@ void OsduClientTest::requestsTakeTheSystemsProxyButLoopbackStaysDirect()
         QCOMPARE(osdu::createSearch(client)->query({"osdu:wks:*:*", 1000, 0, {}}, "opendes").size(), std::size_t(3));
         QVERIFY2(log().count(tunnel) == 1 && log().count("Request (") == 1, qPrintable(log()));
     }
+    // A front without HTTP/2: requests sent all at once share at most 16 connections to it.
+    emulator::Http2Front plain(platform.server.port(), QHostInfo::localHostName().toStdString(),
+                               emulator::Http2Front::Offer::Http11Only);
+    QVERIFY2(plain.start(), plain.failure().c_str());
+    qputenv("CURL_CA_BUNDLE", QByteArray::fromStdString(plain.certificateFile()));
+    platform.server.setLatency(20);
+    const auto client = std::make_shared<osdu::OsduHttpClient>(plain.baseUrl(), platform.provider);
+    std::vector<std::future<std::size_t>> searches;
+    for (int i = 0; i < 40; ++i)
+        searches.push_back(std::async(std::launch::async, [&client] {
+            return osdu::createSearch(client)->query({"osdu:wks:*:*", 1000, 0, {}}, "opendes").size();
+        }));
+    for (auto& found : searches)
+        QCOMPARE(found.get(), std::size_t(3));
+    const int tunnels = log().count("): CONNECT " + QUrl(QString::fromStdString(plain.baseUrl())).authority() + ' ');
+    QVERIFY2(tunnels > 1 && tunnels <= 16, qPrintable(QString::number(tunnels)));
 }
 
 void OsduClientTest::busyAnswersHalveTheRequestsInFlightOncePerRound()

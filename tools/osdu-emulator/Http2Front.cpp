@@ -13,6 +13,7 @@
 #include <Poco/Thread.h>
 
 #include <fstream>
+#include <vector>
 
 namespace emulator {
 
@@ -28,8 +29,8 @@ unsigned short freePort(const Poco::Net::IPAddress& address)
 
 } // namespace
 
-Http2Front::Http2Front(unsigned short backendPort, std::string host)
-    : m_backendPort(backendPort), m_host(std::move(host))
+Http2Front::Http2Front(unsigned short backendPort, std::string host, Offer offer)
+    : m_backendPort(backendPort), m_host(std::move(host)), m_offer(offer)
 {
 }
 
@@ -88,13 +89,15 @@ bool Http2Front::start()
         // Taken back from the system just before nghttpx binds it: nobody else asks for it meanwhile.
         m_port = freePort(address);
         const std::string backend = std::to_string(m_backendPort);
-        m_process = std::make_unique<Poco::ProcessHandle>(
-            Poco::Process::launch("nghttpx", {"--conf=" + configuration,
-                                              "--frontend=" + address.toString() + "," + std::to_string(m_port),
-                                              "--backend=127.0.0.1," + backend, "--backend-connections-per-host=100",
-                                              "--workers=1", "--no-ocsp",
-                                              "--errorlog-file=" + Poco::Path(m_folder->path(), "error.log").toString(),
-                                              key, certificateFile()}));
+        std::vector<std::string> arguments{"--conf=" + configuration,
+                                           "--frontend=" + address.toString() + "," + std::to_string(m_port),
+                                           "--backend=127.0.0.1," + backend, "--backend-connections-per-host=100",
+                                           "--workers=1", "--no-ocsp",
+                                           "--errorlog-file=" + Poco::Path(m_folder->path(), "error.log").toString()};
+        if (m_offer == Offer::Http11Only)
+            arguments.emplace_back("--npn-list=http/1.1");
+        arguments.insert(arguments.end(), {key, certificateFile()});
+        m_process = std::make_unique<Poco::ProcessHandle>(Poco::Process::launch("nghttpx", arguments));
         for (int waited = 0; waited < kListenWaitMs; waited += 20) {
             try {
                 Poco::Net::StreamSocket probe(Poco::Net::SocketAddress(address, m_port));

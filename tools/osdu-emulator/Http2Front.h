@@ -17,7 +17,10 @@ namespace emulator {
 class Http2Front
 {
 public:
-    explicit Http2Front(unsigned short backendPort, std::string host = "127.0.0.1");
+    // What the front offers its clients: HTTP/2, or HTTP/1.1 alone, as a front without it does.
+    enum class Offer { Http2, Http11Only };
+
+    explicit Http2Front(unsigned short backendPort, std::string host = "127.0.0.1", Offer offer = Offer::Http2);
     ~Http2Front();
     Http2Front(const Http2Front&) = delete;
     Http2Front& operator=(const Http2Front&) = delete;
@@ -32,6 +35,7 @@ public:
 private:
     unsigned short m_backendPort;
     std::string m_host;
+    Offer m_offer;
     unsigned short m_port = 0;
     std::unique_ptr<Poco::TemporaryFile> m_folder;
     std::unique_ptr<Poco::ProcessHandle> m_process;
