@@ -91,8 +91,10 @@ bool Http2Front::start()
         const std::string backend = std::to_string(m_backendPort);
         std::vector<std::string> arguments{"--conf=" + configuration,
                                            "--frontend=" + address.toString() + "," + std::to_string(m_port),
-                                           "--backend=127.0.0.1," + backend, "--backend-connections-per-host=100",
-                                           "--workers=1", "--no-ocsp",
+                                           "--backend=127.0.0.1," + backend,
+                                           "--backend-connections-per-host=100",
+                                           "--workers=1",
+                                           "--no-ocsp",
                                            "--errorlog-file=" + Poco::Path(m_folder->path(), "error.log").toString()};
         if (m_offer == Offer::Http11Only)
             arguments.emplace_back("--npn-list=http/1.1");
