@@ -127,7 +127,8 @@ def render(by_library):
              "`osdu` that `libfastpanel` calls or uses, named as the linker names it: what the panel",
              "links against, and what its code refers to in those libraries' headers. *header* marks",
              "those that leave no symbol (calls through a virtual function, functions defined in a",
-             "header, members of a record, enumerators): the host's headers must declare them alike.",
+             "header, members of a record, enumerators, virtual functions that a class of the panel",
+             "overrides): the host's headers must declare them alike.",
              "**beyond** marks those outside the host interface we were given",
              "(`tools/platform-operations/given.txt`).", "",
              f"{total} operations, {beyond} of them beyond the given interface, {unlinked} through the "
