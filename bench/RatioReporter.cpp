@@ -38,15 +38,14 @@ bool RatioReporter::printRatios() const
             continue;
         }
         const double value = absolute ? measured->second : measured->second / baseline->second;
-        std::string verdict = ratio.goal <= 0 ? "no goal" : value <= ratio.goal ? "met" : "MISSED";
+        std::string verdict = value <= ratio.goal ? "met" : "MISSED";
         if (!ratio.mustBeNone.empty()) {
             const benchmark::UserCounters& counters = m_counters.at(ratio.measured);
             const auto counter = counters.find(ratio.mustBeNone);
             const double left = counter == counters.end() ? 0.0 : static_cast<double>(counter->second);
             if (left > 0) {
                 char note[64];
-                std::snprintf(note, sizeof note, "%s (%g %s)", ratio.goal <= 0 ? "no goal" : "MISSED", left,
-                              ratio.mustBeNone.c_str());
+                std::snprintf(note, sizeof note, "MISSED (%g %s)", left, ratio.mustBeNone.c_str());
                 verdict = note;
             }
         }

@@ -14,10 +14,10 @@ public:
     struct Ratio
     {
         std::string label;
-        std::string measured;        // benchmark name
-        std::string baseline;        // benchmark name; empty: the goal is in seconds per iteration
-        double goal;                 // 0: no goal, measured for the record
-        std::string mustBeNone = {}; // a counter that the goal needs at 0, else shown
+        std::string measured; // benchmark name
+        std::string baseline; // benchmark name; empty: the goal is in seconds per iteration
+        double goal;
+        std::string mustBeNone = {}; // a counter of the measured benchmark that the goal needs at 0
     };
 
     explicit RatioReporter(std::vector<Ratio> ratios);

@@ -76,12 +76,16 @@ std::uint64_t RequestGovernor::again(std::uint64_t ticket, int status)
 void RequestGovernor::note(std::uint64_t ticket, int status)
 {
     if (status == 429) {
-        if (ticket > m_lastCutAt) {
+        if (ticket > m_lastCutAt && m_roundOver) {
             m_limit = std::max(1, m_limit / 2);
             m_lastCutAt = m_nextTicket - 1;
+            m_roundOver = false;
         }
-    } else if (status >= 200 && status < 300 && m_limit < m_most) {
-        ++m_limit;
+    } else if (status >= 200 && status < 300) {
+        if (ticket > m_lastCutAt)
+            m_roundOver = true;
+        if (m_limit < m_most)
+            ++m_limit;
     }
 }
 

@@ -46,8 +46,9 @@ public:
 
     // Waits for a request's turn; its ticket, or 0 when the work was cancelled or is out of time.
     std::uint64_t enter();
-    // The request's answer. Only the first overload answer of those sent since the last cut
-    // halves the limit again: the platform tells every request in flight at once.
+    // The request's answer. Overload answers halve the limit once a round: a round ends when a
+    // request sent after the last cut gets through, a round trip later. Answers turned away at
+    // the door come back at once, many of them before the lower limit can tell: they count once.
     void leave(std::uint64_t ticket, int status);
     // The request's answer, when the platform asks for it again at once: it keeps its place in
     // flight and goes out again before anything waiting for a turn. Its ticket, or 0 as enter.
@@ -69,6 +70,8 @@ private:
     int m_inFlight = 0;
     std::uint64_t m_nextTicket = 1;
     std::uint64_t m_lastCutAt = 0;
+    // A request sent after the last cut got through: the next overload answer cuts again.
+    bool m_roundOver = true;
     // Read by every transfer's progress check, many times a second: no lock for it.
     std::atomic<bool> m_cancelled{false};
 };
