@@ -446,6 +446,7 @@ void OsduClientTest::requestsTakeTheSystemsProxyButLoopbackStaysDirect()
     platform.server.setLatency(20);
     const auto client = std::make_shared<osdu::OsduHttpClient>(plain.baseUrl(), platform.provider);
     std::vector<std::future<std::size_t>> searches;
+    searches.reserve(40);
     for (int i = 0; i < 40; ++i)
         searches.push_back(std::async(std::launch::async, [&client] {
             return osdu::createSearch(client)->query({"osdu:wks:*:*", 1000, 0, {}}, "opendes").size();
