@@ -48,7 +48,10 @@ std::chrono::milliseconds askedWait(const std::string& retryAfter)
     const time_t when = curl_getdate(retryAfter.c_str(), nullptr);
     if (when == -1)
         return std::chrono::milliseconds(-1);
-    return std::chrono::seconds(std::max<long long>(0, static_cast<long long>(when - std::time(nullptr))));
+    // To the millisecond: time() reads a coarse clock that may still tell the second before, and
+    // a wait counted from it can be a second too long.
+    const auto left = std::chrono::system_clock::from_time_t(when) - std::chrono::system_clock::now();
+    return std::max(std::chrono::milliseconds(0), std::chrono::duration_cast<std::chrono::milliseconds>(left));
 }
 
 // Exponential, with jitter so that requests turned away together do not come back together.
