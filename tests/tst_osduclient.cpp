@@ -471,6 +471,8 @@ void OsduClientTest::busyAnswersHalveTheRequestsInFlightOncePerRound()
     // Sent after the cut and turned away at the door before any of those got through: the same round.
     governor.leave(governor.enter(), 429);
     QCOMPARE(governor.inFlightLimit(), 8);
+    governor.leave(governor.enter(), 503); // a failure neither gives one back nor ends the round
+    QCOMPARE(governor.inFlightLimit(), 8);
     governor.leave(governor.enter(), 200); // gives one back, and ends the round
     governor.leave(governor.enter(), 429);
     QCOMPARE(governor.inFlightLimit(), 4);
