@@ -38,20 +38,21 @@ bool RatioReporter::printRatios() const
             continue;
         }
         const double value = absolute ? measured->second : measured->second / baseline->second;
-        std::string verdict = value <= ratio.goal ? "met" : "MISSED";
+        double left = 0;
         if (!ratio.mustBeNone.empty()) {
             const benchmark::UserCounters& counters = m_counters.at(ratio.measured);
             const auto counter = counters.find(ratio.mustBeNone);
-            const double left = counter == counters.end() ? 0.0 : static_cast<double>(counter->second);
-            if (left > 0) {
-                char note[64];
-                std::snprintf(note, sizeof note, "MISSED (%g %s)", left, ratio.mustBeNone.c_str());
-                verdict = note;
-            }
+            left = counter == counters.end() ? 0.0 : static_cast<double>(counter->second);
         }
-        allMet = allMet && verdict.rfind("MISSED", 0) != 0;
+        const bool met = value <= ratio.goal && left == 0;
+        allMet = allMet && met;
+        char verdict[64];
+        if (left > 0)
+            std::snprintf(verdict, sizeof verdict, "MISSED (%g %s)", left, ratio.mustBeNone.c_str());
+        else
+            std::snprintf(verdict, sizeof verdict, "%s", met ? "met" : "MISSED");
         addToBenchSummary(ratio.label, value, ratio.goal, verdict);
-        std::printf("%-52s %8.2f %8.2f  %s\n", ratio.label.c_str(), value, ratio.goal, verdict.c_str());
+        std::printf("%-52s %8.2f %8.2f  %s\n", ratio.label.c_str(), value, ratio.goal, verdict);
     }
     return allMet;
 }
